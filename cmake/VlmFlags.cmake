@@ -1,0 +1,16 @@
+# What every target of this project is compiled with.
+add_library(vlm_flags INTERFACE)
+
+# Contraction would fuse multiplications and additions where the processor can, and change the last
+# bits of frame times from machine to machine.
+target_compile_options(vlm_flags INTERFACE
+  -ffp-contract=off
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
+  $<$<BOOL:${VLM_WERROR}>:-Werror>)
+target_include_directories(vlm_flags INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+
+if(VLM_SANITIZE)
+  target_compile_options(vlm_flags INTERFACE
+    -fsanitize=${VLM_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(vlm_flags INTERFACE -fsanitize=${VLM_SANITIZE})
+endif()

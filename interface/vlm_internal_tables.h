@@ -1,0 +1,14 @@
+// The two tables behind the handles.
+#ifndef VLM_INTERNAL_TABLES_H
+#define VLM_INTERNAL_TABLES_H
+
+#include "interface/handle_table.h"
+#include "stream/vx_stream_kpf_packed.h"
+
+namespace VLM_INTERNAL {
+
+extern HandleTable<VLM_KPF::VxKPFPackedStream> streamVector;
+
+}  // namespace VLM_INTERNAL
+
+#endif

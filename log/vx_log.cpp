@@ -1,0 +1,110 @@
+#include "vx_log.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#ifdef _WIN32
+#include <io.h>
+#else
+#include <unistd.h>
+#endif
+
+#include <atomic>
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <utility>
+
+#include "vx_log_lifetime.h"
+
+namespace VX_LOG {
+namespace {
+
+constexpr std::size_t kLineCapacity = 1024;  // bytes, the terminating zero included
+
+#ifdef _WIN32
+// Binary: a line ends in a single line feed on every platform.
+constexpr int kOpenFlags = O_WRONLY | O_CREAT | O_BINARY;
+constexpr int kPermissions = S_IREAD | S_IWRITE;
+#else
+constexpr int kOpenFlags = O_WRONLY | O_CREAT;
+constexpr int kPermissions = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP;
+#endif
+
+constinit std::atomic<int> lifetimes{0};
+
+}  // namespace
+
+// Both are constant-initialised: a static object of any file may log while it is constructed.
+constinit VxLogger* VxLogger::instance = nullptr;
+constinit std::mutex VxLogger::instance_mutex;
+
+VxLoggerLifetime::VxLoggerLifetime() { ++lifetimes; }
+
+VxLoggerLifetime::~VxLoggerLifetime() {
+  if (--lifetimes > 0) return;
+  delete VxLogger::instance;
+  VxLogger::instance = nullptr;
+}
+
+VxLogger* VxLogger::factory() {
+  const std::lock_guard lock(instance_mutex);
+  if (instance == nullptr) instance = new VxLogger;
+  return instance;
+}
+
+VxLogger::~VxLogger() { closeFile(); }
+
+void VxLogger::loggerUseSyslog(bool use) { useSyslog_ = use; }
+
+void VxLogger::loggerUseStdout(bool use) { useStdout_ = use; }
+
+int VxLogger::loggerFile(const char* path) {
+  if (path == nullptr) {
+    fileName_.clear();
+    closeFile();
+    return 0;
+  }
+  if (!fileName_.empty()) return -1;
+  std::string name(path);
+  const int descriptor = openFile(path);
+  if (descriptor < 0) return errno;
+  fileName_ = std::move(name);
+  fileDescriptor_ = descriptor;
+  return 0;
+}
+
+int VxLogger::loggerReopen() {
+  closeFile();
+  fileDescriptor_ = openFile(fileName_.c_str());
+  return fileDescriptor_;
+}
+
+void VxLogger::vx_log([[maybe_unused]] unsigned level, const char* format, ...) {
+  char text[kLineCapacity] = "";
+  va_list arguments;
+  va_start(arguments, format);
+  std::vsnprintf(text, sizeof text, format, arguments);
+  va_end(arguments);
+
+  std::string line(text);
+  line += '\n';
+  if (useStdout_) {
+    std::fwrite(line.data(), 1, line.size(), stdout);
+    std::fflush(stdout);
+  }
+  // Descriptor 0 is never written, even where a process that had closed it got it for its log.
+  if (fileDescriptor_ > 0) {
+    [[maybe_unused]] const auto written =
+        ::write(fileDescriptor_, line.data(), static_cast<unsigned>(line.size()));
+  }
+}
+
+// Positioned at the first byte, neither appending nor truncating: old lines behind the new stay.
+int VxLogger::openFile(const char* path) { return ::open(path, kOpenFlags, kPermissions); }
+
+void VxLogger::closeFile() {
+  if (fileDescriptor_ >= 0) ::close(fileDescriptor_);
+  fileDescriptor_ = -1;
+}
+
+}  // namespace VX_LOG

@@ -1,0 +1,124 @@
+// The frames of a recording: numbering, data files, records.
+#include <fmt/printf.h>
+
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "stream/vx_stream_kpf_packed.h"
+#include "vx_log.h"
+
+namespace VLM_KPF {
+namespace {
+
+using VX_KPF_PACKED::VxKPFPacked;
+using VX_LOG::VxLogger;
+
+void write(std::ofstream& file, const unsigned char* bytes, unsigned size) {
+  file.write(reinterpret_cast<const char*>(bytes), static_cast<std::streamsize>(size));
+}
+
+}  // namespace
+
+unsigned VxKPFPackedStream::addFrame(std::unique_ptr<VxKPFPacked> frame) {
+  if (frame != nullptr && frame->getHeader() == nullptr) {
+    unsigned long long seconds = 0;
+    unsigned microseconds = 0;
+    calcFrameTime(seqNum, seconds, microseconds);
+    frame->setHeader(seqNum, static_cast<long long>(seconds), microseconds);
+  }
+  queueFrame(std::move(frame));
+  if (getFrameCount() == seqNum && streamStatus == STREAM_WRITING) streamStatus = STREAM_COMPLETE;
+  return streamStatus;
+}
+
+// Filling the record wipes the header stamped before it: a placeholder is zero from its first byte
+// to its last.
+unsigned VxKPFPackedStream::vxAddPlaceholderFrame() {
+  auto frame = std::make_unique<VxKPFPacked>();
+  frame->setHeader(seqNum, 0, 0);
+  frame->setPackedData(nullptr, frameSize + VxKPFPacked::getHeaderSize(), getWidth(), getHeight(),
+                       getBitsPerPixel());
+  queueFrame(std::move(frame));
+  return streamStatus = STREAM_WRITING;
+}
+
+void VxKPFPackedStream::queueFrame(std::unique_ptr<VxKPFPacked> frame) {
+  if (!acceptsFrame(frame.get())) return;
+  writeRecord(*frame);
+  streamStatus = STREAM_WRITING;
+  ++seqNum;
+  if (seqNum >= getFrameCount() && divFile.is_open()) divFile.close();
+}
+
+// The data file is switched before the frame is looked at, so a refused one may leave it empty.
+bool VxKPFPackedStream::acceptsFrame(const VxKPFPacked* frame) {
+  constexpr const char* kFunction = "queueFrame";
+  const auto log = VxLogger::factory();
+  if (frame == nullptr) {
+    log->vx_log(7, "%s: imageptr is nullptr!?", kFunction);
+    return false;
+  }
+  if (seqNum >= getFrameCount()) {
+    log->vx_log(7, "%s: seqNum=%d but frame_count=%d", kFunction, static_cast<int>(seqNum),
+                static_cast<int>(getFrameCount()));
+    return false;
+  }
+  switchDivFile();
+  if (!divFile.is_open()) {
+    log->vx_log(7, "%s: the divFile is not open.", kFunction);
+  } else if (frame->getHeader() == nullptr) {
+    log->vx_log(7, "%s: There is no header!", kFunction);
+  } else if (frame->getPackedData() == nullptr) {
+    log->vx_log(7, "%s: There is no packed data!", kFunction);
+  } else {
+    return true;
+  }
+  return false;
+}
+
+std::string VxKPFPackedStream::divFileName() const {
+  return fmt::sprintf("%s%s_%04u.div", divFolder, baseName, currentDivFile);
+}
+
+// A file that could not be opened keeps its number and is not tried again: its frames are refused
+// one by one, each with its line in the log.
+void VxKPFPackedStream::switchDivFile() {
+  unsigned number = 0;
+  unsigned index = 0;
+  calcDivFileInfo(seqNum, number, index);
+  if (number == currentDivFile) return;
+  if (divFile.is_open()) divFile.close();
+  currentDivFile = number;
+  divFile.open(divFileName(), std::ios::out | std::ios::trunc | std::ios::binary);
+}
+
+// The header waits in the stream's buffer, so that header and pixels go out in one system call.
+// The flush passes on what a small frame left there.
+void VxKPFPackedStream::writeRecord(const VxKPFPacked& frame) {
+  write(divFile, frame.getHeader(), VxKPFPacked::getHeaderSize());
+  write(divFile, frame.getPackedData(), frame.packedSize);
+  divFile.flush();
+  if (divFile.good()) return;
+  VxLogger::factory()->vx_log(3, "%s: io stream write failed.", "queueFrame");
+  dropPartialRecord();
+}
+
+// The failed record still counts. Its torn beginning is cut off and the next record sought at its
+// own place: what comes later stays where it belongs, and the lost record reads as a placeholder.
+void VxKPFPackedStream::dropPartialRecord() {
+  unsigned number = 0;
+  unsigned index = 0;
+  calcDivFileInfo(seqNum, number, index);
+  const std::uintmax_t recordSize = std::uintmax_t{VxKPFPacked::getHeaderSize()} + frameSize;
+  const std::uintmax_t whole = index * recordSize;
+  const std::string name = divFileName();
+  divFile.close();
+  std::error_code failed;
+  const std::uintmax_t size = std::filesystem::file_size(name, failed);
+  if (!failed && size > whole) std::filesystem::resize_file(name, whole, failed);
+  divFile.open(name, std::ios::in | std::ios::out | std::ios::binary);
+  divFile.seekp(static_cast<std::streamoff>(whole + recordSize));
+}
+
+}  // namespace VLM_KPF

@@ -1,0 +1,40 @@
+#include "tests/support/library_test.h"
+
+#include "interface/vlm_internal_tables.h"
+#include "vx_log.h"
+
+namespace TEST_SUPPORT {
+namespace {
+
+void forgetEverything() {
+  VLM_INTERNAL::streamVector.clear();
+  const auto logger = VX_LOG::VxLogger::factory();
+  logger->loggerFile(nullptr);
+  logger->loggerUseStdout(true);
+}
+
+}  // namespace
+
+std::string outputOf(const std::function<void()>& action) {
+  testing::internal::CaptureStdout();
+  action();
+  return testing::internal::GetCapturedStdout();
+}
+
+LibraryTest::LibraryTest() : current_(folder.path()) {
+  forgetEverything();
+  testing::internal::CaptureStdout();
+}
+
+LibraryTest::~LibraryTest() {
+  forgetEverything();
+  testing::internal::GetCapturedStdout();
+}
+
+std::string LibraryTest::output() {
+  std::string text = testing::internal::GetCapturedStdout();
+  testing::internal::CaptureStdout();
+  return text;
+}
+
+}  // namespace TEST_SUPPORT
