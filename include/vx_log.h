@@ -2,6 +2,7 @@
 #ifndef VX_LOG_H
 #define VX_LOG_H
 
+#include <cstddef>
 #include <mutex>
 #include <string>
 
@@ -68,6 +69,7 @@ class VxLogger {
   VxLogger() = default;
   int openFile(const char* path);
   void closeFile();
+  void write(const char* line, std::size_t size) const;
 
   bool reserved_ = false;  // part of the record, read by nothing
   bool useSyslog_ = true;

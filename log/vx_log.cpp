@@ -8,6 +8,7 @@
 #include <unistd.h>
 #endif
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstdarg>
@@ -19,7 +20,7 @@
 namespace VX_LOG {
 namespace {
 
-constexpr std::size_t kLineCapacity = 1024;  // bytes, the terminating zero included
+constexpr std::size_t kLineCapacity = 1024;  // bytes, the line feed included
 
 #ifdef _WIN32
 // Binary: a line ends in a single line feed on every platform.
@@ -79,23 +80,29 @@ int VxLogger::loggerReopen() {
   return fileDescriptor_;
 }
 
+// Nothing is allocated on the way: a process that has run out of memory can still say so.
 void VxLogger::vx_log([[maybe_unused]] unsigned level, const char* format, ...) {
-  char text[kLineCapacity] = "";
+  char line[kLineCapacity];
   va_list arguments;
   va_start(arguments, format);
-  std::vsnprintf(text, sizeof text, format, arguments);
+  const int wanted = std::vsnprintf(line, sizeof line, format, arguments);
   va_end(arguments);
 
-  std::string line(text);
-  line += '\n';
+  const std::size_t length =
+      std::min(static_cast<std::size_t>(std::max(wanted, 0)), kLineCapacity - 1);
+  line[length] = '\n';  // in place of the terminating zero
+  write(line, length + 1);
+}
+
+void VxLogger::write(const char* line, std::size_t size) const {
   if (useStdout_) {
-    std::fwrite(line.data(), 1, line.size(), stdout);
+    std::fwrite(line, 1, size, stdout);
     std::fflush(stdout);
   }
   // Descriptor 0 is never written, even where a process that had closed it got it for its log.
   if (fileDescriptor_ > 0) {
     [[maybe_unused]] const auto written =
-        ::write(fileDescriptor_, line.data(), static_cast<unsigned>(line.size()));
+        ::write(fileDescriptor_, line, static_cast<unsigned>(size));
   }
 }
 

@@ -77,8 +77,8 @@ bool VxKPFPackedStream::acceptsFrame(const VxKPFPacked* frame) {
   return false;
 }
 
-std::string VxKPFPackedStream::divFileName() const {
-  return fmt::sprintf("%s%s_%04u.div", divFolder, baseName, currentDivFile);
+std::string VxKPFPackedStream::divFileName(unsigned number) const {
+  return fmt::sprintf("%s%s_%04u.div", divFolder, baseName, number);
 }
 
 // A file that could not be opened keeps its number and is not tried again: its frames are refused
@@ -89,8 +89,8 @@ void VxKPFPackedStream::switchDivFile() {
   calcDivFileInfo(seqNum, number, index);
   if (number == currentDivFile) return;
   if (divFile.is_open()) divFile.close();
+  divFile.open(divFileName(number), std::ios::out | std::ios::trunc | std::ios::binary);
   currentDivFile = number;
-  divFile.open(divFileName(), std::ios::out | std::ios::trunc | std::ios::binary);
 }
 
 // The header waits in the stream's buffer, so that header and pixels go out in one system call.
@@ -112,7 +112,7 @@ void VxKPFPackedStream::dropPartialRecord() {
   calcDivFileInfo(seqNum, number, index);
   const std::uintmax_t recordSize = std::uintmax_t{VxKPFPacked::getHeaderSize()} + frameSize;
   const std::uintmax_t whole = index * recordSize;
-  const std::string name = divFileName();
+  const std::string name = divFileName(number);
   divFile.close();
   std::error_code failed;
   const std::uintmax_t size = std::filesystem::file_size(name, failed);

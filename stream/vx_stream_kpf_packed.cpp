@@ -39,8 +39,14 @@ VxKPFPackedStream::VxKPFPackedStream() {
   VxLogger::factory()->loggerUseSyslog(true);
 }
 
+// Without memory for a name there is no status file, but the process goes on.
 VxKPFPackedStream::~VxKPFPackedStream() {
-  if (streamStatus != STREAM_CLOSED) closeStream();
+  if (streamStatus == STREAM_CLOSED) return;
+  try {
+    closeStream();
+  } catch (...) {
+    streamStatus = STREAM_CLOSED;
+  }
 }
 
 unsigned VxKPFPackedStream::prepareForWriting(const std::string& name,

@@ -115,7 +115,7 @@ class VxKPFPackedStream {
   void writeStatusFile() const;
 
   bool acceptsFrame(const VX_KPF_PACKED::VxKPFPacked* frame);
-  std::string divFileName() const;
+  std::string divFileName(unsigned number) const;
   void switchDivFile();
   void writeRecord(const VX_KPF_PACKED::VxKPFPacked& frame);
   void dropPartialRecord();
