@@ -24,7 +24,7 @@ die() {
 }
 
 # Prints the comment at the head of the script that calls it.
-usage() { sed -n '2,/^[^#]/ s/^# \{0,1\}//p' "$0"; }
+usage() { sed -n '2,/^$/ s/^# \{0,1\}//p' "$0"; }
 
 wrong_usage() {
   usage >&2
