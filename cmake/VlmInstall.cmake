@@ -2,7 +2,8 @@
 include(CMakePackageConfigHelpers)
 
 install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
-install(TARGETS vlm_internal vlm_internal_static EXPORT vlm_internal-targets
+install(FILES reader/kpf_reader.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(TARGETS vlm_internal vlm_internal_static kpf_reader EXPORT vlm_internal-targets
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})

@@ -1,0 +1,168 @@
+#include "reader/kpf_reader.h"
+
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <utility>
+
+#include "packed/kpf_layout.h"
+#include "reader/kpf_header.h"
+#include "reader/kpf_names.h"
+#include "reader/mapped_file.h"
+
+namespace KPF_READER {
+namespace fs = std::filesystem;
+namespace layout = KPF_LAYOUT::FRAME_HEADER;
+namespace {
+
+constexpr std::size_t kLongestStatusText = 4096;
+
+/// Opening a FIFO would wait for a writer, and a folder has no bytes.
+std::uint64_t sizeOfFile(const std::string& path) {
+  std::error_code error;
+  if (!fs::is_regular_file(fs::status(path, error))) {
+    throw RecordingError(path, 0, error ? error.message() : "not a file");
+  }
+  const std::uintmax_t size = fs::file_size(path, error);
+  if (error) throw RecordingError(path, 0, error.message());
+  return size;
+}
+
+/// Records that data file `number` holds when nothing is missing.
+std::uint64_t fullRecords(const Header& header, std::uint32_t number) {
+  const std::uint64_t before = std::uint64_t{number - 1} * header.framesPerDivFile;
+  return std::min<std::uint64_t>(header.framesPerDivFile, header.frameCount - before);
+}
+
+DivFile measure(const Header& header, std::uint32_t number, const std::string& path) {
+  DivFile file;
+  file.number = number;
+  file.path = path;
+  file.size = sizeOfFile(path);
+  const std::uint64_t whole = file.size / header.recordSize();
+  file.records = static_cast<std::uint32_t>(std::min(whole, fullRecords(header, number)));
+  file.trailingBytes = file.size - std::uint64_t{file.records} * header.recordSize();
+  return file;
+}
+
+/// The first byte is 0, and each other byte is the one before it: compared in the widest strides.
+bool allZero(std::span<const unsigned char> bytes) {
+  return bytes[0] == 0 && std::memcmp(bytes.data(), bytes.data() + 1, bytes.size() - 1) == 0;
+}
+
+FrameRecord parseRecord(std::span<const unsigned char> bytes) {
+  FrameRecord record;
+  const auto number = [&bytes](KPF_LAYOUT::Field field) {
+    return KPF_LAYOUT::load(bytes.data(), field);
+  };
+  record.sequenceNumber = static_cast<std::uint32_t>(number(layout::kSequenceNumber));
+  record.seconds = static_cast<std::int64_t>(number(layout::kSeconds));
+  record.microseconds = static_cast<std::uint32_t>(number(layout::kMicroseconds));
+  record.placeholder = allZero(bytes);
+  record.pixels = bytes.subspan(layout::kSize);
+  return record;
+}
+
+}  // namespace
+
+RecordingError::RecordingError(const std::string& file, std::uint64_t offset,
+                               const std::string& problem)
+    : std::runtime_error(file + ", byte " + std::to_string(offset) + ": " + problem),
+      file_(file),
+      offset_(offset) {}
+
+class Recording::Contents {
+ public:
+  Contents(const std::string& headerPath, Access access)
+      : path(headerPath),
+        access_(access),
+        header(parseHeader(MappedFile(headerPath, Access::kSequential).bytes(), headerPath)),
+        divPrefix(findDivPrefix(headerPath)) {
+    for (const auto& [number, file] : findDivFiles(divPrefix)) {
+      if (number > header.divFileCount()) break;
+      divFiles.push_back(measure(header, number, file));
+      divFiles.back().firstRecord = recordCount;
+      recordCount += divFiles.back().records;
+    }
+  }
+
+  const DivFile& fileOf(std::uint32_t n) const {
+    if (n >= recordCount) throw std::out_of_range("Recording: there is no such record");
+    const auto behind = std::partition_point(divFiles.begin(), divFiles.end(),
+                                             [n](const DivFile& f) { return f.firstRecord <= n; });
+    return *std::prev(behind);
+  }
+
+  std::shared_ptr<const MappedFile> map(const DivFile& file) {
+    if (mapped_ == nullptr || mappedNumber_ != file.number) {
+      mapped_.reset();
+      mapped_ = std::make_shared<const MappedFile>(file.path, access_);
+      mappedNumber_ = file.number;
+    }
+    return mapped_;
+  }
+
+  const std::string path;
+  const Access access_;
+  const Header header;
+  const std::string divPrefix;
+  std::vector<DivFile> divFiles;
+  std::uint32_t recordCount = 0;
+
+ private:
+  std::shared_ptr<const MappedFile> mapped_;  // the data file that was read last
+  std::uint32_t mappedNumber_ = 0;
+};
+
+Recording::Recording(const std::string& headerPath, Access access)
+    : contents_(std::make_unique<Contents>(headerPath, access)) {}
+Recording::~Recording() = default;
+Recording::Recording(Recording&&) noexcept = default;
+Recording& Recording::operator=(Recording&&) noexcept = default;
+
+const std::string& Recording::path() const { return contents_->path; }
+const Header& Recording::header() const { return contents_->header; }
+const std::vector<DivFile>& Recording::divFiles() const { return contents_->divFiles; }
+std::uint32_t Recording::recordCount() const { return contents_->recordCount; }
+
+std::string Recording::divFilePath(std::uint32_t number) const {
+  return divFileName(contents_->divPrefix, number);
+}
+
+FrameRecord Recording::record(std::uint32_t n) const {
+  const DivFile& file = contents_->fileOf(n);
+  const std::uint32_t index = n - file.firstRecord;
+  const std::size_t size = header().recordSize();
+  const std::uint64_t offset = std::uint64_t{index} * size;
+  const std::shared_ptr<const MappedFile> mapping = contents_->map(file);
+  if (mapping->bytes().size() < offset + size) {
+    throw RecordingError(file.path, mapping->bytes().size(), "the file has become shorter");
+  }
+  FrameRecord record = parseRecord(mapping->bytes().subspan(offset, size));
+  record.place = (file.number - 1) * header().framesPerDivFile + index;
+  record.fileNumber = file.number;
+  record.offset = offset;
+  record.mapping = mapping;
+  return record;
+}
+
+void Recording::unpack(std::uint32_t n, std::span<std::uint16_t> samples) const {
+  unpackPixels(header(), record(n).pixels, samples);
+}
+
+std::string Recording::statusFilePath() const { return path() + ".incomplete.txt"; }
+
+std::optional<std::string> Recording::statusFile() const {
+  const std::string file = statusFilePath();
+  std::error_code error;
+  if (fs::status(file, error).type() == fs::file_type::not_found) return std::nullopt;
+  std::string text(std::min<std::uint64_t>(sizeOfFile(file), kLongestStatusText), '\0');
+  std::ifstream in(file, std::ios::binary);
+  if (!in.read(text.data(), static_cast<std::streamsize>(text.size()))) {
+    throw RecordingError(file, 0, "cannot be read");
+  }
+  return text;
+}
+
+}  // namespace KPF_READER
