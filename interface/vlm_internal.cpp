@@ -1,4 +1,4 @@
-// The exported functions: handles are looked up, arguments checked, results passed on.
+// The exported functions of recording: handles are looked up, arguments checked, results passed on.
 #include "vlm_internal.h"
 
 #include <chrono>
@@ -15,6 +15,8 @@ namespace VLM_INTERNAL {
 // Constant-initialised, and destroyed before the logger that closing a stream writes to: the
 // logger's lifetime object of this file was made first.
 constinit HandleTable<VLM_KPF::VxKPFPackedStream> streamVector;
+// Defined second, so destroyed first.
+constinit HandleTable<VLM_KPF::VxKPFMotionAmpl> maVector;
 
 }  // namespace VLM_INTERNAL
 

@@ -3,11 +3,13 @@
 #define VLM_INTERNAL_TABLES_H
 
 #include "interface/handle_table.h"
+#include "motionampl/vx_kpf_motionampl.h"
 #include "stream/vx_stream_kpf_packed.h"
 
 namespace VLM_INTERNAL {
 
 extern HandleTable<VLM_KPF::VxKPFPackedStream> streamVector;
+extern HandleTable<VLM_KPF::VxKPFMotionAmpl> maVector;
 
 }  // namespace VLM_INTERNAL
 

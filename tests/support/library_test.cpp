@@ -7,6 +7,7 @@ namespace TEST_SUPPORT {
 namespace {
 
 void forgetEverything() {
+  VLM_INTERNAL::maVector.clear();
   VLM_INTERNAL::streamVector.clear();
   const auto logger = VX_LOG::VxLogger::factory();
   logger->loggerFile(nullptr);
