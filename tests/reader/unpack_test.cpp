@@ -1,0 +1,85 @@
+#include "reader/kpf_unpack_kernels.h"
+#include "tests/reader/recording_bytes.h"
+
+namespace {
+
+using KPF_READER::Header;
+using TEST_SUPPORT::Bytes;
+using testing::ElementsAre;
+using Samples = std::vector<std::uint16_t>;
+
+Header geometry(std::uint32_t width, std::uint32_t height, bool packed12) {
+  Header header;
+  header.width = width;
+  header.height = height;
+  header.packed12 = packed12;
+  return header;
+}
+
+Samples unpacked(const Header& header, const Bytes& pixels) {
+  Samples samples(header.pixelCount(), 0x5555);
+  KPF_READER::unpackPixels(header, pixels, samples);
+  return samples;
+}
+
+TEST(UnpackKernel, PairSharesItsMiddleByte) {
+  const Bytes in{0xAB, 0x3C, 0x12};
+  Samples out(2);
+  KPF_READER::unpackPairsPlain(in.data(), out.data(), 1);
+  EXPECT_THAT(out, ElementsAre(0xABC0, 0x1230));
+}
+
+TEST(UnpackKernel, NothingBehindThePairsIsTouched) {
+  const Bytes in{0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xFF};
+  Samples out(6, 0x7777);
+  KPF_READER::unpackPairsPlain(in.data(), out.data() + 1, 2);
+  EXPECT_THAT(out, ElementsAre(0x7777, 0x0130, 0x4520, 0x6790, 0xAB80, 0x7777));
+}
+
+TEST(Unpack, EvenWidthRowsFollowEachOther) {
+  const Bytes pixels{0xAB, 0x3C, 0x12, 0x01, 0x23, 0x45};
+  EXPECT_THAT(unpacked(geometry(2, 2, true), pixels), ElementsAre(0xABC0, 0x1230, 0x0130, 0x4520));
+}
+
+TEST(Unpack, OddWidthRowsBeginAtTheCutHalf) {
+  // Rows of width 3 begin at bytes 0, 4 and 9; the third column was never stored.
+  const Bytes pixels{0xAB, 0x3C, 0x12, 0xEE, 0x01, 0x23, 0x45, 0xEE, 0xEE, 0x67, 0x89, 0xAB, 0xEE};
+  EXPECT_THAT(unpacked(geometry(3, 3, true), pixels),
+              ElementsAre(0xABC0, 0x1230, 0, 0x0130, 0x4520, 0, 0x6790, 0xAB80, 0));
+}
+
+TEST(Unpack, WidthOneAt12BitsIsAllZero) {
+  EXPECT_THAT(unpacked(geometry(1, 3, true), {0xFF, 0xFF, 0xFF, 0xFF}), ElementsAre(0, 0, 0));
+}
+
+TEST(Unpack, EightBitSamplesMoveToTheUpperByte) {
+  EXPECT_THAT(unpacked(geometry(3, 1, false), {0x00, 0x7F, 0xFF}), ElementsAre(0, 0x7F00, 0xFF00));
+}
+
+TEST(Unpack, FrameWithoutPixelsGivesNoSamples) {
+  EXPECT_THAT(unpacked(geometry(0, 5, true), {}), testing::IsEmpty());
+}
+
+TEST(Unpack, BufferThatIsTooSmallIsRefused) {
+  Samples five(5);
+  Samples six(6);
+  const Header header = geometry(3, 2, false);
+  EXPECT_THROW(KPF_READER::unpackPixels(header, Bytes(6), five), std::invalid_argument);
+  EXPECT_THROW(KPF_READER::unpackPixels(header, Bytes(5), six), std::invalid_argument);
+}
+
+TEST(Unpack, LargerBufferKeepsItsRest) {
+  Samples samples(4, 0x5555);
+  KPF_READER::unpackPixels(geometry(3, 1, false), Bytes{1, 2, 3}, samples);
+  EXPECT_THAT(samples, ElementsAre(0x0100, 0x0200, 0x0300, 0x5555));
+}
+
+class UnpackedRecord : public TEST_READER::HandMade {};
+
+TEST_F(UnpackedRecord, ComesFromItsPlace) {
+  Samples samples(6);
+  open().unpack(3, samples);
+  EXPECT_THAT(samples, ElementsAre(31 << 8, 32 << 8, 33 << 8, 34 << 8, 35 << 8, 36 << 8));
+}
+
+}  // namespace
