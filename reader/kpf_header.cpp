@@ -12,8 +12,6 @@ namespace {
 using KPF_LAYOUT::Field;
 namespace layout = KPF_LAYOUT::HEADER;
 
-constexpr std::size_t kLargestDivFile = 2147483647;  // bytes
-
 /// Takes fields out of a header image that is long enough.
 class Fields {
  public:
@@ -98,6 +96,11 @@ Header parseHeader(std::span<const unsigned char> image, const std::string& path
 
 std::uint32_t Header::divFileCount() const {
   return frameCount / framesPerDivFile + (frameCount % framesPerDivFile != 0 ? 1 : 0);
+}
+
+std::uint32_t Header::recordsInDivFile(std::uint32_t number) const {
+  const std::uint64_t before = std::uint64_t{number - 1} * framesPerDivFile;
+  return static_cast<std::uint32_t>(std::min<std::uint64_t>(framesPerDivFile, frameCount - before));
 }
 
 }  // namespace KPF_READER

@@ -8,6 +8,7 @@
 
 #include "packed/kpf_layout.h"
 #include "reader/kpf_header.h"
+#include "reader/kpf_header_check.h"
 #include "reader/kpf_names.h"
 #include "reader/mapped_file.h"
 
@@ -29,19 +30,14 @@ std::uint64_t sizeOfFile(const std::string& path) {
   return size;
 }
 
-/// Records that data file `number` holds when nothing is missing.
-std::uint64_t fullRecords(const Header& header, std::uint32_t number) {
-  const std::uint64_t before = std::uint64_t{number - 1} * header.framesPerDivFile;
-  return std::min<std::uint64_t>(header.framesPerDivFile, header.frameCount - before);
-}
-
 DivFile measure(const Header& header, std::uint32_t number, const std::string& path) {
   DivFile file;
   file.number = number;
   file.path = path;
   file.size = sizeOfFile(path);
   const std::uint64_t whole = file.size / header.recordSize();
-  file.records = static_cast<std::uint32_t>(std::min(whole, fullRecords(header, number)));
+  file.records =
+      static_cast<std::uint32_t>(std::min<std::uint64_t>(whole, header.recordsInDivFile(number)));
   file.trailingBytes = file.size - std::uint64_t{file.records} * header.recordSize();
   return file;
 }
@@ -75,10 +71,14 @@ RecordingError::RecordingError(const std::string& file, std::uint64_t offset,
 class Recording::Contents {
  public:
   Contents(const std::string& headerPath, Access access)
-      : path(headerPath),
-        access_(access),
-        header(parseHeader(MappedFile(headerPath, Access::kSequential).bytes(), headerPath)),
-        divPrefix(findDivPrefix(headerPath)) {
+      : path(headerPath), access_(access), divPrefix(findDivPrefix(headerPath)) {
+    const MappedFile image(headerPath, Access::kSequential);
+    header = parseHeader(image.bytes(), headerPath);
+    deviations = findDeviations(image.bytes());
+    findRecords();
+  }
+
+  void findRecords() {
     for (const auto& [number, file] : findDivFiles(divPrefix)) {
       if (number > header.divFileCount()) break;
       divFiles.push_back(measure(header, number, file));
@@ -105,8 +105,9 @@ class Recording::Contents {
 
   const std::string path;
   const Access access_;
-  const Header header;
   const std::string divPrefix;
+  Header header;
+  std::vector<HeaderDeviation> deviations;
   std::vector<DivFile> divFiles;
   std::uint32_t recordCount = 0;
 
@@ -124,6 +125,9 @@ Recording& Recording::operator=(Recording&&) noexcept = default;
 const std::string& Recording::path() const { return contents_->path; }
 const Header& Recording::header() const { return contents_->header; }
 const std::vector<DivFile>& Recording::divFiles() const { return contents_->divFiles; }
+const std::vector<HeaderDeviation>& Recording::headerDeviations() const {
+  return contents_->deviations;
+}
 std::uint32_t Recording::recordCount() const { return contents_->recordCount; }
 
 std::string Recording::divFilePath(std::uint32_t number) const {

@@ -62,6 +62,21 @@ struct Header {
   std::size_t recordSize() const { return 16 + frameSize(); }
   /// Data files that a complete recording has; 0 when no frames are announced.
   std::uint32_t divFileCount() const;
+  /// Records in data file `number`, from 1 to divFileCount(), of a complete recording.
+  std::uint32_t recordsInDivFile(std::uint32_t number) const;
+};
+
+/// Something in a header file that is not as the writer makes it, and does not keep one from
+/// reading.
+struct HeaderDeviation {
+  enum class Kind {
+    kFixedBytes,       // bytes that are the same in every recording are others
+    kUnequalPair,      // a field that is written twice has two values
+    kFramesPerDivFile  // not as many frames a data file as fit into one
+  };
+  Kind kind = Kind::kFixedBytes;
+  std::uint64_t offset = 0;
+  std::string problem;
 };
 
 /// A data file that belongs to the recording and exists.
@@ -116,6 +131,9 @@ class Recording {
   const std::string& path() const;
   const Header& header() const;
 
+  /// What in the header file is not as the writer makes it; nothing when all is well.
+  const std::vector<HeaderDeviation>& headerDeviations() const;
+
   /// The data files that are there, by rising number. Files numbered beyond
   /// Header::divFileCount() are left from something else and are not listed.
   const std::vector<DivFile>& divFiles() const;
@@ -157,6 +175,15 @@ class Recording {
 /// @throws std::invalid_argument when `pixels` or `samples` is smaller than the frame.
 void unpackPixels(const Header& header, std::span<const unsigned char> pixels,
                   std::span<std::uint16_t> samples);
+
+/**
+ * Looks at the bytes of 12-bit frames of an odd width that lie between the rows and hold no sample.
+ *
+ * @return where the first that is not 0 stands in `pixels`; nothing when all are 0 or there are
+ *         none. @throws std::invalid_argument when `pixels` is smaller than the frame.
+ */
+std::optional<std::size_t> findByteBetweenRows(const Header& header,
+                                               std::span<const unsigned char> pixels);
 
 }  // namespace KPF_READER
 

@@ -44,4 +44,20 @@ void unpackPixels(const Header& header, std::span<const unsigned char> pixels,
   }
 }
 
+std::optional<std::size_t> findByteBetweenRows(const Header& header,
+                                               std::span<const unsigned char> pixels) {
+  if (pixels.size() < header.frameSize()) {
+    throw std::invalid_argument("findByteBetweenRows: the buffer is smaller than the frame");
+  }
+  if (!header.packed12 || header.width % 2 == 0) return std::nullopt;
+  const std::size_t stored = header.width / 2 * std::size_t{3};
+  for (std::size_t first = 0; first < header.pixelCount(); first += header.width) {
+    const std::size_t end = (first + header.width) * 3 / 2;
+    for (std::size_t i = first * 3 / 2 + stored; i < end; ++i) {
+      if (pixels[i] != 0) return i;
+    }
+  }
+  return std::nullopt;
+}
+
 }  // namespace KPF_READER

@@ -50,8 +50,7 @@ TEST_F(FileNames, WithoutAnExtensionThereIsNoFolder) {
 
 TEST_F(FileNames, NumbersOfFiveDigitsAreFound) {
   writeRecording("./clip.kpf", "clip/clip_12345.div");
-  Bytes header = headerBytes();
-  writeBytes("clip.kpf", TEST_READER::put(header, 468, {0xFF, 0xFF, 0xFF, 0xFF}));
+  writeBytes("clip.kpf", TEST_READER::with(headerBytes(), 468, {0xFF, 0xFF, 0xFF, 0xFF}));
   EXPECT_EQ(Recording("./clip.kpf").divFiles().at(0).number, 12345U);
   EXPECT_EQ(Recording("./clip.kpf").record(0).place, 24688U);
 }

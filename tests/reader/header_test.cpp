@@ -4,7 +4,6 @@ namespace {
 
 using KPF_READER::Header;
 using TEST_READER::headerBytes;
-using TEST_READER::put;
 using TEST_SUPPORT::Bytes;
 using TEST_SUPPORT::writeBytes;
 
@@ -29,8 +28,7 @@ class HeaderFile : public TEST_READER::HandMade {
 
  private:
   void replace(std::size_t offset, const Bytes& bytes) {
-    Bytes image = headerBytes();
-    writeBytes(header, put(image, offset, bytes));
+    writeBytes(header, TEST_READER::with(headerBytes(), offset, bytes));
   }
 };
 

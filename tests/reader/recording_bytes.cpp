@@ -31,9 +31,13 @@ Bytes headerBytes() {
   return bytes;
 }
 
-Bytes& put(Bytes& bytes, std::size_t offset, const Bytes& replacement) {
+void put(Bytes& bytes, std::size_t offset, const Bytes& replacement) {
   std::copy(replacement.begin(), replacement.end(),
             bytes.begin() + static_cast<std::ptrdiff_t>(offset));
+}
+
+Bytes with(Bytes bytes, std::size_t offset, const Bytes& replacement) {
+  put(bytes, offset, replacement);
   return bytes;
 }
 

@@ -18,7 +18,8 @@ using TEST_SUPPORT::Bytes;
 Bytes headerBytes();
 
 /// Replaces bytes from `offset` on.
-Bytes& put(Bytes& bytes, std::size_t offset, const Bytes& replacement);
+void put(Bytes& bytes, std::size_t offset, const Bytes& replacement);
+Bytes with(Bytes bytes, std::size_t offset, const Bytes& replacement);
 
 /// Record `n` of that recording: its number, 1700000000 s, 40000 n us, pixels 10n + 1 to 10n + 6.
 Bytes recordBytes(unsigned char n);

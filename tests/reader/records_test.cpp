@@ -62,15 +62,14 @@ TEST_F(Records, MayBeReadSparsely) {
 }
 
 TEST_F(Records, SequenceNumberIsTheRecordsOwn) {
-  Bytes bytes = recordRun(0, 1);
-  writeBytes(div1, TEST_READER::put(bytes, 22, {0x78, 0x56, 0x34, 0x92}));
+  writeBytes(div1, TEST_READER::with(recordRun(0, 1), 22, {0x78, 0x56, 0x34, 0x92}));
   EXPECT_EQ(open().record(1).sequenceNumber, 0x92345678U);
   EXPECT_EQ(open().record(1).place, 1U);
 }
 
 TEST_F(Records, SecondsAreSigned) {
-  Bytes bytes = recordBytes(4);
-  writeBytes(div3, TEST_READER::put(bytes, 4, {0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}));
+  writeBytes(
+      div3, TEST_READER::with(recordBytes(4), 4, {0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}));
   EXPECT_EQ(open().record(4).seconds, -2);
 }
 

@@ -74,6 +74,22 @@ TEST(Unpack, LargerBufferKeepsItsRest) {
   EXPECT_THAT(samples, ElementsAre(0x0100, 0x0200, 0x0300, 0x5555));
 }
 
+TEST(BetweenRows, UnusedBytesOfOddRowsAreFound) {
+  const Header header = geometry(3, 3, true);
+  Bytes pixels{1, 1, 1, 0, 1, 1, 1, 0, 0, 1, 1, 1, 0};
+  EXPECT_EQ(KPF_READER::findByteBetweenRows(header, pixels), std::nullopt);
+  for (const std::size_t at : {12U, 8U, 7U, 3U}) {
+    pixels[at] = 9;
+    EXPECT_EQ(KPF_READER::findByteBetweenRows(header, pixels), at);
+  }
+}
+
+TEST(BetweenRows, OtherFramesHaveNone) {
+  const Bytes pixels(9, 0xFF);
+  EXPECT_EQ(KPF_READER::findByteBetweenRows(geometry(3, 3, false), pixels), std::nullopt);
+  EXPECT_EQ(KPF_READER::findByteBetweenRows(geometry(2, 3, true), pixels), std::nullopt);
+}
+
 class UnpackedRecord : public TEST_READER::HandMade {};
 
 TEST_F(UnpackedRecord, ComesFromItsPlace) {
