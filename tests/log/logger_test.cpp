@@ -1,15 +1,22 @@
+#include <cerrno>
+#include <string>
+
 #include "tests/support/library_test.h"
 #include "vx_log.h"
 
 namespace {
 
 using TEST_SUPPORT::readText;
+using TEST_SUPPORT::writeText;
 using VX_LOG::VxLogger;
 
 class Logger : public TEST_SUPPORT::LibraryTest {
  protected:
   VxLogger* logger = VxLogger::factory();
+  const std::string file = folder / "log.txt";
 };
+
+TEST_F(Logger, FactoryAlwaysGivesTheSameLogger) { EXPECT_EQ(VxLogger::factory(), logger); }
 
 TEST_F(Logger, LineIsTheFormattedTextAndOneLineFeed) {
   logger->vx_log(7, "%s: streamHandle is 0!", "vxClosePackStreamer");
@@ -17,14 +24,28 @@ TEST_F(Logger, LineIsTheFormattedTextAndOneLineFeed) {
 }
 
 TEST_F(Logger, LevelHasNoEffect) {
-  logger->vx_log(0, "same");
-  logger->vx_log(7, "same");
-  EXPECT_EQ(output(), "same\nsame\n");
+  for (const unsigned level : {0U, 3U, 7U, 4000000000U}) logger->vx_log(level, "same");
+  EXPECT_EQ(output(), "same\nsame\nsame\nsame\n");
 }
 
-TEST_F(Logger, LongMessageIsCutAt1023Bytes) {
-  logger->vx_log(7, "%s", std::string(2000, 'x').c_str());
+TEST_F(Logger, MessageOf1023BytesIsWhole) {
+  logger->vx_log(7, "%s", std::string(1023, 'x').c_str());
   EXPECT_EQ(output(), std::string(1023, 'x') + "\n");
+}
+
+TEST_F(Logger, LongerMessageIsCutAt1023Bytes) {
+  logger->vx_log(7, "%s", (std::string(1023, 'x') + "yz").c_str());
+  EXPECT_EQ(output(), std::string(1023, 'x') + "\n");
+}
+
+TEST_F(Logger, EmptyMessageIsAnEmptyLine) {
+  logger->vx_log(7, "%s", "");
+  EXPECT_EQ(output(), "\n");
+}
+
+TEST_F(Logger, ArgumentsAreNeverTakenForAFormat) {
+  logger->vx_log(7, "%s", "%s %n 100%");
+  EXPECT_EQ(output(), "%s %n 100%\n");
 }
 
 TEST_F(Logger, WithoutStdoutAndFileNothingIsWritten) {
@@ -33,13 +54,88 @@ TEST_F(Logger, WithoutStdoutAndFileNothingIsWritten) {
   EXPECT_EQ(output(), "");
 }
 
-TEST_F(Logger, FileReceivesTheSameLines) {
-  ASSERT_EQ(logger->loggerFile((folder / "log.txt").c_str()), 0);
+TEST_F(Logger, SyslogFlagHasNoEffect) {
+  logger->loggerUseSyslog(false);
+  logger->vx_log(7, "first");
+  logger->loggerUseSyslog(true);
+  logger->vx_log(7, "second");
+  EXPECT_EQ(output(), "first\nsecond\n");
+}
+
+TEST_F(Logger, FileReceivesTheLinesWithSingleLineFeeds) {
+  ASSERT_EQ(logger->loggerFile(file.c_str()), 0);
   logger->vx_log(7, "%s: %d", "first", 1);
   logger->loggerUseStdout(false);
   logger->vx_log(7, "second");
   EXPECT_EQ(output(), "first: 1\n");
-  EXPECT_EQ(readText(folder / "log.txt"), "first: 1\nsecond\n");
+  EXPECT_EQ(readText(file), "first: 1\nsecond\n");
 }
+
+TEST_F(Logger, SecondFileIsRefusedAndTheFirstKept) {
+  ASSERT_EQ(logger->loggerFile(file.c_str()), 0);
+  EXPECT_EQ(logger->loggerFile((folder / "other.txt").c_str()), -1);
+  logger->vx_log(7, "line");
+  EXPECT_EQ(readText(file), "line\n");
+  EXPECT_FALSE(std::filesystem::exists(folder / "other.txt"));
+}
+
+TEST_F(Logger, OlderAndLongerFileKeepsItsTail) {
+  writeText(file, "a long line of an earlier run\n");
+  ASSERT_EQ(logger->loggerFile(file.c_str()), 0);
+  logger->vx_log(7, "new");
+  EXPECT_EQ(readText(file), "new\nng line of an earlier run\n");
+}
+
+TEST_F(Logger, FailedOpenGivesItsErrorAndSetsNoFile) {
+  EXPECT_EQ(logger->loggerFile((folder / "missing/log.txt").c_str()), ENOENT);
+  EXPECT_EQ(logger->loggerFile(file.c_str()), 0);
+}
+
+TEST_F(Logger, ClosingWithoutAFileSucceeds) {
+  EXPECT_EQ(logger->loggerFile(nullptr), 0);
+  EXPECT_EQ(logger->loggerFile(nullptr), 0);
+}
+
+TEST_F(Logger, AfterClosingAnotherFileMayBeSet) {
+  ASSERT_EQ(logger->loggerFile(file.c_str()), 0);
+  logger->vx_log(7, "first");
+  ASSERT_EQ(logger->loggerFile(nullptr), 0);
+  logger->vx_log(7, "to nobody");
+  ASSERT_EQ(logger->loggerFile((folder / "other.txt").c_str()), 0);
+  logger->vx_log(7, "second");
+  EXPECT_EQ(readText(file), "first\n");
+  EXPECT_EQ(readText(folder / "other.txt"), "second\n");
+}
+
+TEST_F(Logger, ReopenGivesADescriptorAndStartsTheFileOfThatNameAgain) {
+  ASSERT_EQ(logger->loggerFile(file.c_str()), 0);
+  logger->vx_log(7, "before");
+  EXPECT_GT(logger->loggerReopen(), 0);
+  logger->vx_log(7, "after");
+  EXPECT_EQ(readText(file), "after\n\n");  // written over "before\n"
+}
+
+TEST_F(Logger, ReopenWithoutAFileFails) { EXPECT_EQ(logger->loggerReopen(), -1); }
+
+TEST_F(Logger, FailedReopenKeepsTheNameUntilItIsCleared) {
+  std::filesystem::create_directory(folder.path() / "gone");
+  ASSERT_EQ(logger->loggerFile((folder / "gone/log.txt").c_str()), 0);
+#ifndef _WIN32  // an open file and its folder cannot be removed there
+  std::filesystem::remove_all(folder.path() / "gone");
+  EXPECT_EQ(logger->loggerReopen(), -1);
+#endif
+  EXPECT_EQ(logger->loggerFile(file.c_str()), -1);
+  EXPECT_EQ(logger->loggerFile(nullptr), 0);
+  EXPECT_EQ(logger->loggerFile(file.c_str()), 0);
+}
+
+#ifndef _WIN32
+TEST_F(Logger, NewFileIsForOwnerAndGroup) {
+  using std::filesystem::perms;
+  ASSERT_EQ(logger->loggerFile(file.c_str()), 0);
+  const perms given = std::filesystem::status(file).permissions();
+  EXPECT_EQ(given & (perms::owner_all | perms::others_all), perms::owner_read | perms::owner_write);
+}
+#endif
 
 }  // namespace
