@@ -31,8 +31,8 @@ TEST(Frame, NewFrameHoldsNothing) {
 TEST(Frame, HeaderIsLittleEndianWithoutPadding) {
   VxKPFPacked frame;
   frame.setHeader(7, 4294967298, 999999);
-  EXPECT_EQ(headerOf(frame), (Bytes{0x07, 0, 0, 0, 0x02, 0, 0, 0, 0x01, 0, 0, 0, 0x3F, 0x42, 0x0F,
-                                    0}));
+  EXPECT_EQ(headerOf(frame),
+            (Bytes{0x07, 0, 0, 0, 0x02, 0, 0, 0, 0x01, 0, 0, 0, 0x3F, 0x42, 0x0F, 0}));
 }
 
 TEST(Frame, NegativeSecondsAreStoredInTwosComplement) {
