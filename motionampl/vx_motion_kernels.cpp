@@ -1,38 +1,55 @@
 #include "motionampl/vx_motion_kernels.h"
 
-#include <algorithm>
+#include <atomic>
+
+#include "motionampl/vx_motion_kernels_isa.h"
+#include "motionampl/vx_motion_loops.h"
 
 namespace VLM_KPF {
 namespace {
 
-void add(std::uint32_t* sums, const unsigned char* newest, std::size_t samples) {
-  for (std::size_t i = 0; i < samples; ++i) sums[i] += newest[i];
-}
+constexpr MotionKernels kPlain{addLoop, exchangeLoop, divideLoop, amplifyLoop};
 
-void exchange(std::uint32_t* sums, const unsigned char* newest, const unsigned char* oldest,
-              std::size_t samples) {
-  for (std::size_t i = 0; i < samples; ++i) {
-    sums[i] += static_cast<std::uint32_t>(newest[i] - oldest[i]);
+#ifdef VLM_X86_KERNELS
+bool hasAvx2() { return __builtin_cpu_supports("avx2") != 0; }
+
+bool hasAvx512() {
+  return __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512bw") != 0 &&
+         __builtin_cpu_supports("avx512vl") != 0 && __builtin_cpu_supports("avx512dq") != 0 &&
+         __builtin_cpu_supports("avx512vbmi") != 0;
+}
+#endif
+
+const MotionKernels* fastest() {
+  for (const Isa isa : {Isa::kAvx512, Isa::kAvx2}) {
+    if (const MotionKernels* const kernels = motionKernelsOf(isa)) return kernels;
   }
+  return &kPlain;
 }
 
-void divide(const std::uint32_t* sums, std::uint32_t window, unsigned char* out,
-            std::size_t samples) {
-  for (std::size_t i = 0; i < samples; ++i) out[i] = static_cast<unsigned char>(sums[i] / window);
-}
-
-void amplify(const unsigned char* frame, const unsigned char* reference, const unsigned char* gain,
-             unsigned char* out, std::size_t samples) {
-  for (std::size_t i = 0; i < samples; ++i) {
-    const int difference = std::max(frame[i] - reference[i], 0);
-    out[i] = static_cast<unsigned char>(std::min(frame[i] + gain[difference], 255));
-  }
-}
-
-constexpr MotionKernels kPlain{add, exchange, divide, amplify};
+constinit std::atomic<const MotionKernels*> inUse{nullptr};
 
 }  // namespace
 
-const MotionKernels& motionKernels() { return kPlain; }
+const MotionKernels* motionKernelsOf(Isa isa) {
+#ifdef VLM_X86_KERNELS
+  if (isa == Isa::kAvx2) return hasAvx2() ? &kMotionKernelsAvx2 : nullptr;
+  if (isa == Isa::kAvx512) return hasAvx2() && hasAvx512() ? &kMotionKernelsAvx512 : nullptr;
+#endif
+  return isa == Isa::kPlain ? &kPlain : nullptr;
+}
+
+bool forceMotionKernels(Isa isa) {
+  const MotionKernels* const kernels = motionKernelsOf(isa);
+  if (kernels != nullptr) inUse = kernels;
+  return kernels != nullptr;
+}
+
+// Threads that come here first together look up the same set.
+const MotionKernels& motionKernels() {
+  const MotionKernels* kernels = inUse;
+  if (kernels == nullptr) inUse = kernels = fastest();
+  return *kernels;
+}
 
 }  // namespace VLM_KPF

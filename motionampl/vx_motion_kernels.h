@@ -12,7 +12,7 @@ inline constexpr std::size_t kGains = 256;
 
 /**
  * Element-wise loops over `samples` samples. Pointers need no alignment, the arrays of a call do
- * not overlap, and nothing beyond the samples is read or written.
+ * not overlap, and nothing beyond the samples is read or written. All sets give the same bytes.
  */
 struct MotionKernels {
   /// sums[i] += newest[i], modulo 2^32.
@@ -31,8 +31,18 @@ struct MotionKernels {
                   const unsigned char* gain, unsigned char* out, std::size_t samples);
 };
 
-/// The fastest set for this processor.
+/// kAvx512 asks for F, BW, VL, DQ and VBMI.
+enum class Isa { kPlain, kAvx2, kAvx512 };
+
+/// The set in use: the fastest that this processor runs, unless another was forced.
 const MotionKernels& motionKernels();
+
+/// The set of an instruction set, or null where this processor or build does not have it.
+const MotionKernels* motionKernelsOf(Isa isa);
+
+/// For tests and benchmarks: uses the set of `isa` from now on.
+/// @return false, and nothing changes, where there is none.
+bool forceMotionKernels(Isa isa);
 
 }  // namespace VLM_KPF
 

@@ -1,0 +1,26 @@
+# vlm_add_kernels(TARGET STEM)
+#
+# Adds STEM_avx2.cpp and STEM_avx512.cpp of the calling folder to TARGET, each with its instruction
+# set switched on in that file alone. Other processors than x86-64 get neither; the sources see
+# whether they are there by VLM_X86_KERNELS.
+set(VLM_X86_KERNELS OFF)
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$" AND CMAKE_SIZEOF_VOID_P EQUAL 8)
+  set(VLM_X86_KERNELS ON)
+endif()
+set(VLM_AVX2_OPTIONS -mavx2)
+set(VLM_AVX512_OPTIONS -mavx512f -mavx512bw -mavx512vl -mavx512dq -mavx512vbmi)
+
+function(vlm_add_kernels target stem)
+  if(NOT VLM_X86_KERNELS)
+    return()
+  endif()
+  target_compile_definitions(${target} PRIVATE VLM_X86_KERNELS)
+  # Windows aligns the stack to 16 bytes, GCC spills wider registers as if it were aligned to them.
+  set(unaligned $<$<BOOL:${MINGW}>:-Wa,-muse-unaligned-vector-move>)
+  foreach(isa IN ITEMS AVX2 AVX512)
+    string(TOLOWER ${stem}_${isa}.cpp source)
+    target_sources(${target} PRIVATE ${source})
+    set_source_files_properties(${source} TARGET_DIRECTORY ${target} PROPERTIES
+      COMPILE_OPTIONS "${VLM_${isa}_OPTIONS};${unaligned}")
+  endforeach()
+endfunction()

@@ -1,0 +1,261 @@
+#include "motionampl/vx_motion_kernels.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <functional>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+using VLM_KPF::forceMotionKernels;
+using VLM_KPF::Isa;
+using VLM_KPF::kGains;
+using VLM_KPF::MotionKernels;
+using VLM_KPF::motionKernels;
+using VLM_KPF::motionKernelsOf;
+
+using Samples = std::vector<unsigned char>;
+using Sums = std::vector<std::uint32_t>;
+using Gain = std::array<unsigned char, kGains>;
+
+constexpr std::size_t kGuard = 64;  // elements before and behind an output
+
+Gain gainOf(double factor) {
+  Gain gain{};
+  for (unsigned d = 0; d < kGains; ++d) {
+    gain[d] = static_cast<unsigned char>(static_cast<int>(d * factor));
+  }
+  return gain;
+}
+
+/// Inputs of one kind: random, or one value all over.
+using Source = std::function<unsigned()>;
+
+std::vector<Source> sources() {
+  auto random = std::make_shared<std::mt19937>(20240607);
+  return {[random] { return static_cast<unsigned>((*random)()); }, [] { return 0U; },
+          [] { return ~0U; }, [random] { return (*random)() % 2 != 0 ? ~0U : 0U; },
+          [random] { return static_cast<unsigned>((*random)() % 16); }};
+}
+
+/// `count` elements that begin `offset` bytes off any alignment, among guards.
+template <class Element>
+class Guarded {
+ public:
+  Guarded(std::size_t count, std::size_t offset, const Source& source)
+      : count_(count), offset_(offset), all_(count + 2 * kGuard + offset) {
+    for (Element& element : all_) element = static_cast<Element>(source());
+  }
+
+  Element* data() { return all_.data() + kGuard + offset_; }
+  std::size_t size() const { return count_; }
+  bool operator==(const Guarded& other) const { return all_ == other.all_; }
+
+ private:
+  std::size_t count_;
+  std::size_t offset_;
+  std::vector<Element> all_;
+};
+
+class MotionKernelsOf : public testing::TestWithParam<Isa> {
+ protected:
+  void SetUp() override {
+    if (kernels == nullptr) GTEST_SKIP() << "not on this processor";
+  }
+
+  /// Runs `compare` over all sizes, offsets and kinds of input.
+  static void forAllInputs(
+      const std::function<void(std::size_t size, std::size_t offset, const Source&)>& compare) {
+    for (std::size_t size = 0; size <= 200; ++size) {
+      for (const std::size_t offset : std::initializer_list<std::size_t>{0, 1, 13}) {
+        for (const Source& source : sources()) {
+          compare(size, offset, source);
+          if (HasFatalFailure()) return;
+        }
+      }
+    }
+  }
+
+  const MotionKernels& plain = *motionKernelsOf(Isa::kPlain);
+  const MotionKernels* const kernels = motionKernelsOf(GetParam());
+};
+
+TEST_P(MotionKernelsOf, AddsAsThePlainLoopDoes) {
+  forAllInputs([this](std::size_t size, std::size_t offset, const Source& source) {
+    Guarded<unsigned char> newest(size, offset, source);
+    Guarded<std::uint32_t> sums(size, offset, source);
+    auto expected = sums;
+    plain.add(expected.data(), newest.data(), size);
+    kernels->add(sums.data(), newest.data(), size);
+    ASSERT_TRUE(sums == expected) << size << " samples, offset " << offset;
+  });
+}
+
+TEST_P(MotionKernelsOf, ExchangesAsThePlainLoopDoes) {
+  forAllInputs([this](std::size_t size, std::size_t offset, const Source& source) {
+    Guarded<unsigned char> newest(size, offset, source);
+    Guarded<unsigned char> oldest(size, 0, source);
+    Guarded<std::uint32_t> sums(size, offset, source);
+    auto expected = sums;
+    plain.exchange(expected.data(), newest.data(), oldest.data(), size);
+    kernels->exchange(sums.data(), newest.data(), oldest.data(), size);
+    ASSERT_TRUE(sums == expected) << size << " samples, offset " << offset;
+  });
+}
+
+TEST_P(MotionKernelsOf, DividesAsThePlainLoopDoes) {
+  for (const std::uint32_t window : {1U, 3U, 9U, 900U, 16449U, 2147483647U}) {
+    forAllInputs([&](std::size_t size, std::size_t offset, const Source& source) {
+      Guarded<std::uint32_t> sums(size, offset, [&] { return source() % (255 * window); });
+      Guarded<unsigned char> out(size, offset, [] { return 0xA5U; });
+      auto expected = out;
+      plain.divide(sums.data(), window, expected.data(), size);
+      kernels->divide(sums.data(), window, out.data(), size);
+      ASSERT_TRUE(out == expected) << size << " samples, offset " << offset << ", W " << window;
+    });
+  }
+}
+
+TEST_P(MotionKernelsOf, DividesSumsThatNoWindowHolds) {
+  forAllInputs([this](std::size_t size, std::size_t offset, const Source& source) {
+    Guarded<std::uint32_t> sums(size, offset, source);
+    Guarded<unsigned char> out(size, offset, [] { return 0xA5U; });
+    auto expected = out;
+    plain.divide(sums.data(), 3, expected.data(), size);
+    kernels->divide(sums.data(), 3, out.data(), size);
+    ASSERT_TRUE(out == expected) << size << " samples, offset " << offset;
+  });
+}
+
+TEST_P(MotionKernelsOf, AmplifiesAsThePlainLoopDoes) {
+  for (const double factor : {0.0, 0.7, 2.3, 3.0, 300.25, -1.0, -2.5}) {
+    const Gain gain = gainOf(factor);
+    forAllInputs([&](std::size_t size, std::size_t offset, const Source& source) {
+      Guarded<unsigned char> frame(size, offset, source);
+      Guarded<unsigned char> reference(size, 0, source);
+      Guarded<unsigned char> out(size, offset, [] { return 0xA5U; });
+      auto expected = out;
+      plain.amplify(frame.data(), reference.data(), gain.data(), expected.data(), size);
+      kernels->amplify(frame.data(), reference.data(), gain.data(), out.data(), size);
+      ASSERT_TRUE(out == expected) << size << " samples, offset " << offset << ", x " << factor;
+    });
+  }
+}
+
+/// Every sample beside every reference.
+struct AllPairs {
+  AllPairs() : frame(65536), reference(65536) {
+    for (unsigned i = 0; i < 65536; ++i) {
+      frame[i] = static_cast<unsigned char>(i % 256);
+      reference[i] = static_cast<unsigned char>(i / 256);
+    }
+  }
+  Samples frame;
+  Samples reference;
+};
+
+TEST_P(MotionKernelsOf, AmplifiesEveryPairOfSamplesByEveryTable) {
+  const AllPairs pairs;
+  std::mt19937 random(7);
+  std::vector<Gain> gains;
+  for (int hundredths = -200; hundredths < 1000; hundredths += 7) {
+    gains.push_back(gainOf(hundredths / 100.0));
+  }
+  for (int i = 0; i < 50; ++i) {
+    gains.push_back(gainOf(std::ldexp(static_cast<double>(random()), -24)));
+  }
+  gains.emplace_back();
+  for (unsigned char& entry : gains.back()) entry = static_cast<unsigned char>(random());
+  Samples expected(65536);
+  Samples out(65536);
+  for (const Gain& gain : gains) {
+    plain.amplify(pairs.frame.data(), pairs.reference.data(), gain.data(), expected.data(), 65536);
+    kernels->amplify(pairs.frame.data(), pairs.reference.data(), gain.data(), out.data(), 65536);
+    ASSERT_TRUE(out == expected) << "slope " << +gain[1] << ", " << +gain[255];
+  }
+}
+
+/// Divides the sums on both sides of every multiple of `window` up to `most`, where quotients step.
+/// Between two steps they can only stay: the arithmetic is monotonic.
+void expectRightSteps(const MotionKernels& kernels, std::uint32_t window, std::uint64_t most) {
+  Sums sums;
+  for (std::uint64_t step = window; step <= most; step += window) {
+    sums.insert(sums.end(),
+                {static_cast<std::uint32_t>(step - 1), static_cast<std::uint32_t>(step)});
+  }
+  Samples out(sums.size());
+  kernels.divide(sums.data(), window, out.data(), sums.size());
+  for (std::size_t i = 0; i < sums.size(); ++i) {
+    ASSERT_EQ(out[i], (i + 1) / 2) << sums[i] << " / " << window;
+  }
+}
+
+TEST_P(MotionKernelsOf, DividesRightAtEveryStepOfEveryWindow) {
+  for (std::uint32_t window = 1; window <= 16500; ++window) {
+    expectRightSteps(*kernels, window, std::uint64_t{255} * window);
+    if (HasFatalFailure()) return;
+  }
+}
+
+TEST_P(MotionKernelsOf, DividesRightAtTheStepsOfHugeWindows) {
+  for (const std::uint32_t window : {65536U, 4194303U, 4194304U, 4194305U, 16843009U}) {
+    expectRightSteps(*kernels, window, std::uint64_t{255} * window);
+    if (HasFatalFailure()) return;
+  }
+}
+
+// Huge windows just after the start: the sums are still small.
+TEST_P(MotionKernelsOf, DividesSmallSumsRightInHugeWindows) {
+  constexpr std::uint32_t kSmall = (1U << 22) - 1;
+  for (std::uint32_t window = 16449; window <= kSmall; window += 211) {
+    expectRightSteps(*kernels, window, kSmall);
+    if (HasFatalFailure()) return;
+  }
+}
+
+std::string nameOf(const testing::TestParamInfo<Isa>& info) {
+  switch (info.param) {
+    case Isa::kAvx2:
+      return "Avx2";
+    case Isa::kAvx512:
+      return "Avx512";
+    default:
+      return "Plain";
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(AllSets, MotionKernelsOf,
+                         testing::Values(Isa::kPlain, Isa::kAvx2, Isa::kAvx512), nameOf);
+
+TEST(MotionKernelChoice, ForcedSetIsTheOneInUse) {
+  const MotionKernels& before = motionKernels();
+  for (const Isa isa : {Isa::kPlain, Isa::kAvx2, Isa::kAvx512}) {
+    const MotionKernels* const kernels = motionKernelsOf(isa);
+    EXPECT_EQ(forceMotionKernels(isa), kernels != nullptr);
+    if (kernels != nullptr) {
+      EXPECT_EQ(&motionKernels(), kernels);
+    }
+  }
+  for (const Isa isa : {Isa::kPlain, Isa::kAvx2, Isa::kAvx512}) {
+    if (motionKernelsOf(isa) == &before) forceMotionKernels(isa);
+  }
+  EXPECT_EQ(&motionKernels(), &before);
+}
+
+TEST(MotionKernelChoice, SetsDiffer) {
+  const MotionKernels* const plain = motionKernelsOf(Isa::kPlain);
+  for (const Isa isa : {Isa::kAvx2, Isa::kAvx512}) {
+    if (const MotionKernels* const kernels = motionKernelsOf(isa)) {
+      EXPECT_NE(kernels->amplify, plain->amplify);
+      EXPECT_NE(kernels->divide, plain->divide);
+    }
+  }
+}
+
+}  // namespace
