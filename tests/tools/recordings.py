@@ -1,0 +1,86 @@
+"""Recordings made by hand, byte by byte, for the tests of the tool."""
+import os
+import struct
+import subprocess
+import tempfile
+import unittest
+
+KPF = os.environ["KPF"]  # the program under test
+CONVERTED = b"Converted"
+
+
+def header(width=4, height=2, bits=8, rate=25.0, frames=5, per_file=None, text2=b"", text5=b""):
+    """The 2998 bytes of a header file."""
+    size = width * height if bits == 8 else width * height * 3 // 2
+    image = bytearray(2998)
+
+    def put(offset, data):
+        image[offset:offset + len(data)] = data
+
+    put(0, b"v3.0")
+    put(5, text5)
+    put(156, struct.pack("<dd", 7.0, 1.0))
+    put(176, struct.pack("<HHId", width, height, 0 if bits == 8 else 1, rate))
+    put(200, struct.pack("<d", 3.0))
+    for offset in (208, 278, 308, 384, 444):
+        put(offset, CONVERTED)
+    put(324, text2)
+    put(464, struct.pack("<II", per_file or 2147483647 // (16 + size), frames))
+    put(473, b"\x01")
+    put(483, struct.pack("<d", 60.0))
+    put(491, b"v3.0")
+    put(1698, bytes(range(16)) * 2)
+    put(1766, struct.pack("<Id", 1, rate))
+    return bytes(image)
+
+
+def record(number, pixels=b"\x55" * 8, start=1700000000, rate=25):
+    """One frame record; its time is cut to the microsecond."""
+    micro = number * 1000000 // rate
+    return struct.pack("<IqI", number, start + micro // 1000000, micro % 1000000) + pixels
+
+
+def run(numbers, **how):
+    return b"".join(record(number, **how) for number in numbers)
+
+
+class RecordingTest(unittest.TestCase):
+    """Starts from clip.kpf with five frames in one data file, in a current folder of its own."""
+
+    maxDiff = None
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = folder.name
+        os.mkdir(self.path("clip"))
+        self.write("clip.kpf", header())
+        self.write("clip/clip_0001.div", run(range(5)))
+
+    def path(self, name):
+        return os.path.join(self.folder, name)
+
+    def write(self, name, data):
+        with open(self.path(name), "wb") as file:
+            file.write(data)
+
+    def patch(self, name, offset, data):
+        with open(self.path(name), "r+b") as file:
+            file.seek(offset)
+            file.write(data)
+
+    def cut(self, name, size):
+        os.truncate(self.path(name), size)
+
+    def split(self, frames=5):
+        """The same recording, two frames a data file."""
+        self.write("clip.kpf", header(per_file=2, frames=frames))
+        for first in range(0, frames, 2):
+            self.write("clip/clip_%04d.div" % (first // 2 + 1),
+                       run(range(first, min(first + 2, frames))))
+
+    def kpf(self, *arguments):
+        """Exit code, standard output, standard error."""
+        done = subprocess.run([KPF, *arguments], cwd=self.folder, capture_output=True, text=True,
+                              errors="surrogateescape", timeout=60, check=False)
+        return done.returncode, done.stdout, done.stderr

@@ -1,0 +1,219 @@
+"""kpf verify: each kind of damage, its place and its words."""
+import json
+import os
+import unittest
+
+from recordings import RecordingTest, header, record, run
+
+DIV = "clip/clip_0001.div"
+STATUS = (b"Packed stream is incomplete and was not fully processed.\n"
+          b"Please review log data for possible error conditions.\n"
+          b"Status:\n")
+NO_STATUS = (", and no status file: the recorder was stopped, ran out of space, or is still at "
+             "work")
+
+
+class Verify(RecordingTest):
+    def problems(self):
+        """What is found, the line that sums up left out."""
+        code, out, err = self.kpf("verify", "./clip.kpf")
+        self.assertEqual((code, err), (1, ""))
+        return out.splitlines()[:-1]
+
+    def json(self):
+        code, out, err = self.kpf("verify", "--json", "./clip.kpf")
+        self.assertEqual(err, "")
+        return code, json.loads(out)
+
+    def check_sound(self):
+        code, out, err = self.kpf("verify", "./clip.kpf")
+        self.assertEqual((code, err), (0, ""), out)
+
+    def test_sound_recording(self):
+        self.assertEqual(self.kpf("verify", "./clip.kpf"),
+                         (0, "./clip.kpf: 5 of 5 frames, 0 placeholders, no problems\n", ""))
+
+    def test_placeholders_are_counted(self):
+        self.patch(DIV, 48, bytes(24))
+        self.assertEqual(self.kpf("verify", "./clip.kpf"),
+                         (0, "./clip.kpf: 5 of 5 frames, 1 placeholder, no problems\n", ""))
+
+    def test_sound_recordings_of_other_forms(self):
+        self.write("clip.kpf", header(width=3, height=3, bits=12))
+        self.write(DIV, run(range(5), pixels=bytes.fromhex("010101000101010000010101 00")))
+        self.check_sound()
+        self.write("clip.kpf", header(rate=0.0))
+        self.write(DIV, b"".join(record(n, rate=1 + n % 2) for n in range(5)))
+        self.check_sound()
+        self.write("clip.kpf", header(text2=b"t" * 60))
+        self.patch("clip.kpf", 393, b"t" * 51)
+        self.write(DIV, run(range(5)))
+        self.check_sound()
+
+    def test_full_disk_leaves_a_short_file(self):
+        self.cut(DIV, 76)
+        self.assertEqual(self.problems(), [
+            "./clip/clip_0001.div, record 3, byte 72: the file ends after 3 of 5 records and 4 of "
+            "the 24 bytes of the next",
+            "./clip.kpf, byte 468: 3 of 5 announced frames are there" + NO_STATUS,
+            "The first missing or damaged record is 3 (./clip/clip_0001.div, byte 72).",
+        ])
+
+    def test_full_disk_that_still_took_the_status_file(self):
+        self.cut(DIV, 72)
+        self.write("clip.kpf.incomplete.txt", STATUS)
+        self.assertEqual(self.problems(), [
+            "./clip/clip_0001.div, record 3, byte 72: the file ends after 3 of 5 records",
+            "./clip.kpf.incomplete.txt, byte 0: the recording was closed before it was complete",
+            "./clip.kpf, byte 468: 3 of 5 announced frames are there",
+            "The first missing or damaged record is 3 (./clip/clip_0001.div, byte 72).",
+        ])
+
+    def test_summary_of_a_short_recording(self):
+        self.cut(DIV, 72)
+        _, out, _ = self.kpf("verify", "./clip.kpf")
+        self.assertEqual(out.splitlines()[-1],
+                         "./clip.kpf: 3 of 5 frames, 0 placeholders, 2 problems")
+
+    def test_missing_data_file(self):
+        self.split()
+        os.remove(self.path("clip/clip_0002.div"))
+        self.assertEqual(self.problems(), [
+            "./clip.kpf, byte 464: 2 frames a data file, where 89478485 fit",
+            "./clip/clip_0002.div, record 2, byte 0: the data file is missing",
+            "./clip.kpf, byte 468: 3 of 5 announced frames are there" + NO_STATUS,
+            "The first missing or damaged record is 2 (./clip/clip_0002.div, byte 0).",
+        ])
+
+    def test_missing_data_files_are_one_finding(self):
+        self.write("clip.kpf", header(per_file=5, frames=0xFFFFFFFF))
+        self.assertEqual(self.problems()[1],
+                         "./clip/clip_0002.div, record 5, byte 0: this and the next 858993457 "
+                         "data files are missing")
+
+    def test_bytes_behind_the_last_record(self):
+        self.write(DIV, run(range(5)) + b"x")
+        self.assertEqual(self.problems(),
+                         ["./clip/clip_0001.div, byte 120: 1 byte behind the last record"])
+
+    def test_stray_and_extra_files(self):
+        self.write("clip/clip_0002.div", run(range(5)))
+        self.write("clip/notes.txt", b"")
+        self.assertEqual(sorted(self.problems()), [
+            "./clip/clip_0002.div, byte 0: does not belong to the recording",
+            "./clip/notes.txt, byte 0: does not belong to the recording",
+        ])
+
+    def test_data_files_beside_the_header_have_neighbours(self):
+        os.rename(self.path(DIV), self.path("clip\\clip_0001.div"))
+        os.rmdir(self.path("clip"))
+        self.write("other.txt", b"")
+        self.check_sound()
+        self.write("clip\\clip_0009.div", b"")
+        self.assertEqual(len(self.problems()), 1)
+
+    def test_sequence_number(self):
+        self.patch(DIV, 72, b"\x09")
+        self.assertEqual(self.problems(), [
+            "./clip/clip_0001.div, record 3, byte 72: the record says number 9",
+            "The first missing or damaged record is 3 (./clip/clip_0001.div, byte 72).",
+        ])
+
+    def test_record_whose_header_was_wiped(self):
+        self.patch(DIV, 72, bytes(16))
+        self.assertEqual(self.problems()[0],
+                         "./clip/clip_0001.div, record 3, byte 72: the record says number 0")
+
+    def test_time_that_runs_backwards(self):
+        self.patch(DIV, 24 * 2 + 4, (1699999999).to_bytes(8, "little"))
+        self.assertEqual(self.problems()[0],
+                         "./clip/clip_0001.div, record 2, byte 52: the time is earlier than that "
+                         "of record 1")
+
+    def test_time_that_jumps(self):
+        self.write(DIV, run(range(3)) + run(range(3, 5), start=1700000001))
+        self.assertEqual(self.problems(), [
+            "./clip/clip_0001.div, record 3, byte 76: 1.040000 s after record 2, where 0.040000 s "
+            "were due"])
+
+    def test_time_may_pass_over_placeholders_and_gaps(self):
+        self.patch(DIV, 24, bytes(48))
+        self.check_sound()
+
+    def test_microseconds_of_more_than_a_second(self):
+        self.patch(DIV, 24 + 12, (1000000).to_bytes(4, "little"))
+        self.assertEqual(self.problems()[0],
+                         "./clip/clip_0001.div, record 1, byte 28: 1000000 microseconds are more "
+                         "than a second")
+
+    def test_bytes_between_rows(self):
+        self.write("clip.kpf", header(width=3, height=3, bits=12, frames=1))
+        self.write(DIV, record(0, pixels=bytes(8) + b"\x01" + bytes(4)))
+        self.assertEqual(self.problems()[0],
+                         "./clip/clip_0001.div, record 0, byte 24: not zero, where no pixel is "
+                         "stored")
+
+    def test_header_bytes(self):
+        self.patch("clip.kpf", 164, b"\x01")
+        self.patch("clip.kpf", 1714, b"\x01")
+        self.assertEqual(self.problems(), [
+            "./clip.kpf, byte 164: a fixed number has another value",
+            "./clip.kpf, byte 1714: the identifier differs from the one at byte 1698",
+        ])
+
+    def test_status_file_beside_a_complete_recording(self):
+        self.write("clip.kpf.incomplete.txt", STATUS)
+        self.assertEqual(self.problems(), [
+            "./clip.kpf.incomplete.txt, byte 0: says that frames are missing, and none is"])
+
+    def test_status_file_with_windows_line_ends(self):
+        self.cut(DIV, 96)
+        self.write("clip.kpf.incomplete.txt", STATUS.replace(b"\n", b"\r\n"))
+        self.assertIn("./clip.kpf.incomplete.txt, byte 0: the recording was closed before it was "
+                      "complete", self.problems())
+
+    def test_status_file_of_another_text(self):
+        self.write("clip.kpf.incomplete.txt", b"all well")
+        self.assertEqual(self.problems(), [
+            "./clip.kpf.incomplete.txt, byte 0: not the text that a recorder leaves"])
+
+    def test_many_findings_are_counted(self):
+        self.write("clip.kpf", header(frames=300))
+        self.write(DIV, run(range(300, 600)))
+        lines = self.problems()
+        self.assertEqual(len(lines), 102)
+        self.assertEqual(lines[100], "... and 200 more")
+
+    def test_cut_header_is_a_problem_of_the_recording(self):
+        self.cut("clip.kpf", 1000)
+        self.assertEqual(self.problems(),
+                         ["./clip.kpf, byte 1000: the header ends after 1000 of 2998 bytes"])
+
+    def test_folder_in_place_of_a_data_file(self):
+        os.remove(self.path(DIV))
+        os.mkdir(self.path(DIV))
+        self.assertEqual(self.problems(), ["./clip/clip_0001.div, byte 0: not a file"])
+
+    def test_no_recording_at_all(self):
+        self.write("clip.kpf", b"text")
+        for name in ("none.kpf", "clip", "clip/clip_0001.div"):
+            code, out, err = self.kpf("verify", name)
+            self.assertEqual((code, out), (2, ""), name)
+            self.assertIn("Give the header file (.kpf) of a recording", err)
+
+    def test_json_of_a_sound_recording(self):
+        self.assertEqual(self.json(), (0, {
+            "file": "./clip.kpf", "ok": True, "announced": 5, "written": 5, "placeholders": 0,
+            "problemCount": 0, "firstDamage": None, "problems": []}))
+
+    def test_json_of_a_damaged_recording(self):
+        self.patch(DIV, 72, b"\x09")
+        finding = {"problem": "sequence", "file": "./clip/clip_0001.div", "record": 3,
+                   "offset": 72, "text": "the record says number 9"}
+        self.assertEqual(self.json(), (1, {
+            "file": "./clip.kpf", "ok": False, "announced": 5, "written": 5, "placeholders": 0,
+            "problemCount": 1, "firstDamage": finding, "problems": [finding]}))
+
+
+if __name__ == "__main__":
+    unittest.main()

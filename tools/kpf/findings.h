@@ -1,0 +1,57 @@
+// What is wrong with a recording, place by place.
+#ifndef FINDINGS_H
+#define FINDINGS_H
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace KPF_TOOL {
+
+enum class Problem {
+  kHeader,         // a header field has a value that it cannot have
+  kFramesPerFile,  // the header announces another number of frames a data file than fit
+  kMissingFile,    // one or several data files
+  kShortFile,      // a data file ends too early
+  kLongFile,       // a data file goes on behind its last record
+  kStrayFile,      // something else in the folder
+  kIncomplete,     // fewer frames than announced
+  kStatusFile,     // the recorder left one, or it is not one
+  kUnreadable,     // the system cannot read the file
+  kSequence,       // a record bears another number than its place
+  kTime,           // a time that is none, runs backwards or jumps
+  kBetweenRows     // bytes that belong to no pixel are not zero
+};
+
+/// A word for it, for programs.
+const char* nameOf(Problem problem);
+
+struct Finding {
+  Problem problem;
+  std::string file;
+  std::optional<std::uint32_t> record;  // number in the stream, from 0, where it is about one
+  std::uint64_t offset = 0;             // in the file
+  std::string text;
+};
+
+/// Collects findings; of each kind it keeps the first hundred, and counts the others.
+class Findings {
+ public:
+  void add(const Finding& finding);
+  const std::vector<Finding>& kept() const { return kept_; }
+  std::uint64_t count() const { return count_; }
+  /// Of the findings about missing or damaged records, the one with the lowest record.
+  const std::optional<Finding>& firstDamage() const { return firstDamage_; }
+
+ private:
+  std::vector<Finding> kept_;
+  std::map<Problem, std::uint64_t> countOf_;
+  std::uint64_t count_ = 0;
+  std::optional<Finding> firstDamage_;
+};
+
+}  // namespace KPF_TOOL
+
+#endif

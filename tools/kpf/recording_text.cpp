@@ -1,0 +1,62 @@
+#include "tools/kpf/recording_text.h"
+
+#include <fmt/chrono.h>
+#include <fmt/format.h>
+
+#include <cstdio>
+
+namespace KPF_TOOL {
+namespace {
+
+constexpr std::int64_t kYear10000 = 253402300800;  // seconds since 1970
+
+std::string escapedCharacter(char character) {
+  const auto code = static_cast<unsigned char>(character);
+  if (code < 0x20 || code == 0x7F) return fmt::format("\\x{:02x}", code);
+  return {character};
+}
+
+}  // namespace
+
+std::string escaped(const std::string& text) {
+  std::string out;
+  for (const char character : text) out += escapedCharacter(character);
+  return out;
+}
+
+std::string quoted(const std::string& text) {
+  std::string out = "\"";
+  for (const char character : text) {
+    if (character == '"' || character == '\\') out += '\\';
+    out += escapedCharacter(character);
+  }
+  return out + '"';
+}
+
+std::string timeText(const KPF_READER::FrameRecord& record) {
+  const std::string seconds = fmt::format("{}.{:06}", record.seconds, record.microseconds);
+  if (record.seconds <= 0 || record.seconds >= kYear10000) return seconds;
+  return fmt::format("{} ({:%F %T}.{:06} UTC)", seconds,
+                     fmt::gmtime(static_cast<std::time_t>(record.seconds)), record.microseconds);
+}
+
+std::string sizeText(double bytes) {
+  if (bytes < 1000) return fmt::format("{:.0f} bytes", bytes);
+  const char* const units[] = {"kB", "MB", "GB", "TB"};
+  std::size_t unit = 0;
+  double value = bytes / 1000;
+  for (; value >= 999.95 && unit + 1 < std::size(units); ++unit) value /= 1000;
+  return fmt::format("{:.1f} {}", value, units[unit]);
+}
+
+std::string countText(std::uint64_t count, const std::string& thing) {
+  return fmt::format("{} {}{}", count, thing, count == 1 ? "" : "s");
+}
+
+int unreadable(const KPF_READER::RecordingError& error) {
+  fmt::print(stderr, "kpf: {}\n", escaped(error.what()));
+  fmt::print(stderr, "Give the header file (.kpf) of a recording that you may read.\n");
+  return 2;
+}
+
+}  // namespace KPF_TOOL

@@ -1,0 +1,110 @@
+#include "tools/kpf/verify.h"
+
+#include <fmt/format.h>
+
+#include <nlohmann/json.hpp>
+
+#include "tools/kpf/check_files.h"
+#include "tools/kpf/recording_text.h"
+
+namespace KPF_TOOL {
+using KPF_READER::Recording;
+using KPF_READER::RecordingError;
+namespace {
+
+struct Verdict {
+  Findings findings;
+  std::uint32_t announced = 0;
+  std::uint32_t written = 0;
+  std::uint32_t placeholders = 0;
+};
+
+Verdict verify(const VerifyOptions& options) {
+  Verdict verdict;
+  const Recording recording(options.file);
+  verdict.announced = recording.header().frameCount;
+  verdict.written = recording.recordCount();
+  checkHeader(recording, verdict.findings);
+  checkCompleteness(recording, verdict.findings);
+  checkStrayFiles(recording, verdict.findings);
+  verdict.placeholders = checkRecords(recording, options.bytesRead, verdict.findings);
+  return verdict;
+}
+
+/// A recording whose files contradict each other so much that none of its frames can be reached.
+Verdict unopened(const RecordingError& error) {
+  Verdict verdict;
+  const std::string text = error.what();
+  const std::size_t problem = text.find(": ", error.file().size());
+  verdict.findings.add(
+      {Problem::kUnreadable, error.file(), std::nullopt, error.offset(), text.substr(problem + 2)});
+  return verdict;
+}
+
+std::string placeText(const Finding& finding) {
+  const std::string record = finding.record ? fmt::format(", record {}", *finding.record) : "";
+  return fmt::format("{}{}, byte {}", escaped(finding.file), record, finding.offset);
+}
+
+void print(const VerifyOptions& options, const Verdict& verdict) {
+  const Findings& findings = verdict.findings;
+  for (const Finding& finding : findings.kept()) {
+    fmt::print("{}: {}\n", placeText(finding), escaped(finding.text));
+  }
+  if (findings.count() > findings.kept().size()) {
+    fmt::print("... and {} more\n", findings.count() - findings.kept().size());
+  }
+  if (findings.firstDamage()) {
+    fmt::print("The first missing or damaged record is {} ({}).\n", *findings.firstDamage()->record,
+               placeText({Problem::kHeader, findings.firstDamage()->file, std::nullopt,
+                          findings.firstDamage()->offset, ""}));
+  }
+  fmt::print("{}: {} of {}, {}, {}\n", escaped(options.file), verdict.written,
+             countText(verdict.announced, "frame"), countText(verdict.placeholders, "placeholder"),
+             findings.count() == 0 ? "no problems" : countText(findings.count(), "problem"));
+}
+
+nlohmann::ordered_json jsonOf(const Finding& finding) {
+  nlohmann::ordered_json json{{"problem", nameOf(finding.problem)}, {"file", finding.file}};
+  json["record"] = finding.record ? nlohmann::ordered_json(*finding.record) : nullptr;
+  json["offset"] = finding.offset;
+  json["text"] = finding.text;
+  return json;
+}
+
+void printJson(const VerifyOptions& options, const Verdict& verdict) {
+  const Findings& findings = verdict.findings;
+  nlohmann::ordered_json json{{"file", options.file},
+                              {"ok", findings.count() == 0},
+                              {"announced", verdict.announced},
+                              {"written", verdict.written},
+                              {"placeholders", verdict.placeholders},
+                              {"problemCount", findings.count()}};
+  const auto& damage = findings.firstDamage();
+  json["firstDamage"] = damage ? jsonOf(*damage) : nlohmann::ordered_json(nullptr);
+  json["problems"] = nlohmann::ordered_json::array();
+  for (const Finding& finding : findings.kept()) json["problems"].push_back(jsonOf(finding));
+  using Json = nlohmann::ordered_json;
+  fmt::print("{}\n", json.dump(2, ' ', false, Json::error_handler_t::replace));
+}
+
+/// Nothing there, or something else under that name: not a recording that has problems.
+bool isNoRecording(const RecordingError& error, const std::string& file) {
+  return error.file() == file && error.offset() == 0;
+}
+
+}  // namespace
+
+int runVerify(const VerifyOptions& options) {
+  Verdict verdict;
+  try {
+    verdict = verify(options);
+  } catch (const RecordingError& error) {
+    if (isNoRecording(error, options.file)) return unreadable(error);
+    verdict = unopened(error);
+  }
+  options.json ? printJson(options, verdict) : print(options, verdict);
+  return verdict.findings.count() == 0 ? 0 : 1;
+}
+
+}  // namespace KPF_TOOL
