@@ -1,0 +1,67 @@
+#include "bench/support/jobs.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstring>
+#include <memory>
+#include <random>
+#include <utility>
+
+namespace BENCH {
+namespace {
+
+// The rings of a job together take up this much, more than the caches hold: frames come from a
+// camera, not from the cache.
+constexpr std::size_t kSetSize = std::size_t{64} << 20;
+
+void measure(benchmark::State& state, std::size_t bytesMoved, const std::function<Job()>& prepare) {
+  const Job job = prepare();
+  job();  // first touches of the buffers are nobody's everyday
+  for ([[maybe_unused]] auto _ : state) {
+    job();
+    benchmark::ClobberMemory();
+  }
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(bytesMoved));
+}
+
+Job copyJob(std::size_t bytesMoved) {
+  const std::size_t size = bytesMoved / 2;
+  auto in = std::make_shared<BufferRing>(size, bytesMoved);
+  auto out = std::make_shared<BufferRing>(size, bytesMoved);
+  return [in, out, size] { std::memcpy(out->next(), in->next(), size); };
+}
+
+}  // namespace
+
+Bytes randomBytes(std::size_t size, unsigned seed) {
+  std::mt19937 random(seed);
+  Bytes bytes(size);
+  for (unsigned char& byte : bytes) byte = static_cast<unsigned char>(random() >> 24);
+  return bytes;
+}
+
+BufferRing::BufferRing(std::size_t size, std::size_t bytesMoved)
+    : buffers_(2 + kSetSize / (bytesMoved + 1), randomBytes(size)) {}
+
+unsigned char* BufferRing::next() {
+  at_ = (at_ + 1) % buffers_.size();
+  return buffers_[at_].data();
+}
+
+void addLoneJob(const std::string& name, FrameSize size, std::size_t bytesMoved,
+                std::function<Job()> prepare) {
+  const std::string fullName =
+      name + "/" + std::to_string(size.width) + "x" + std::to_string(size.height);
+  benchmark::RegisterBenchmark(
+      fullName.c_str(), [=](benchmark::State& state) { measure(state, bytesMoved, prepare); })
+      ->UseRealTime()
+      ->Unit(benchmark::kMicrosecond);
+}
+
+void addJob(const std::string& name, FrameSize size, std::size_t bytesMoved,
+            std::function<Job()> prepare) {
+  addLoneJob(name, size, bytesMoved, std::move(prepare));
+  addLoneJob(name + "/memcpy", size, bytesMoved, [bytesMoved] { return copyJob(bytesMoved); });
+}
+
+}  // namespace BENCH
