@@ -18,6 +18,9 @@ install(FILES
   ${PROJECT_BINARY_DIR}/vlm_internal-config-version.cmake
   DESTINATION ${package_dir})
 
+# Relative, so that the package works wherever it is unpacked.
+file(RELATIVE_PATH prefix_from_pc
+  ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 configure_file(cmake/vlm_internal.pc.in vlm_internal.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/vlm_internal.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

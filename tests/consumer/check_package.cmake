@@ -1,0 +1,53 @@
+# Builds the caller's project against an installed package and runs it.
+#
+# -D PREFIX=     where the package lies; -D INSTALL_FROM= a build folder to install there first
+# -D FOLDER=     where to build and record
+# -D SOURCE=     this folder
+# -D CONFIGURE=  further arguments for CMake, as a list
+# -D EMULATOR=   what runs a program; empty natively
+file(REMOVE_RECURSE ${FOLDER})
+file(MAKE_DIRECTORY ${FOLDER}/out)
+
+function(run)
+  execute_process(COMMAND ${ARGN} RESULT_VARIABLE status OUTPUT_VARIABLE said ERROR_VARIABLE said)
+  if(NOT status EQUAL 0)
+    message(FATAL_ERROR "${ARGN}\nended with ${status}:\n${said}")
+  endif()
+endfunction()
+
+if(INSTALL_FROM)
+  file(REMOVE_RECURSE ${PREFIX})
+  run(${CMAKE_COMMAND} --install ${INSTALL_FROM} --prefix ${PREFIX})
+endif()
+run(${CMAKE_COMMAND} -S ${SOURCE} -B ${FOLDER}/build -D CMAKE_PREFIX_PATH=${PREFIX} ${CONFIGURE})
+run(${CMAKE_COMMAND} --build ${FOLDER}/build)
+
+set(closing "closeStream: KPF Packed streamStatus is not marked complete.")
+foreach(program IN ITEMS caller caller_static)
+  file(REMOVE_RECURSE "${FOLDER}/out/with spaces")
+  file(MAKE_DIRECTORY "${FOLDER}/out/with spaces")
+  set(out "${FOLDER}/out/with spaces")
+  run(${EMULATOR} ${FOLDER}/build/${program} ${out})
+  run(${EMULATOR} ${FOLDER}/build/reader ${out}/clip.kpf)
+  file(READ ${out}/log.txt logged)
+  string(FIND "${logged}" "${closing}" found)
+  if(found EQUAL -1)
+    message(FATAL_ERROR "${program} left no closing line: ${logged}")
+  endif()
+  file(READ ${out}/open.kpf.incomplete.txt status HEX)
+  string(FIND "${status}" "0d0a" line_end)
+  if(WINDOWS AND line_end EQUAL -1 OR NOT WINDOWS AND NOT line_end EQUAL -1)
+    message(FATAL_ERROR "the status file has the wrong line ends: ${status}")
+  endif()
+endforeach()
+
+if(PKG_CONFIG)
+  set(ENV{PKG_CONFIG_PATH} ${PREFIX}/${LIBDIR}/pkgconfig)
+  execute_process(COMMAND ${PKG_CONFIG} --cflags --libs vlm_internal
+    OUTPUT_VARIABLE flags OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+  separate_arguments(flags UNIX_COMMAND "${flags}")
+  run(${COMPILER} -std=c++20 ${SOURCE}/caller.cpp ${flags} -Wl,-rpath,${PREFIX}/${LIBDIR}
+    -o ${FOLDER}/caller_pkg_config)
+  file(MAKE_DIRECTORY ${FOLDER}/out/pkg_config)
+  run(${FOLDER}/caller_pkg_config ${FOLDER}/out/pkg_config)
+endif()
