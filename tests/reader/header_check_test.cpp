@@ -6,7 +6,6 @@
 namespace {
 
 using KPF_READER::HeaderDeviation;
-using KPF_READER::Recording;
 using TEST_READER::headerBytes;
 using TEST_READER::put;
 using TEST_READER::with;

@@ -2,6 +2,7 @@
 #ifndef TESTS_READER_RECORDING_BYTES_H
 #define TESTS_READER_RECORDING_BYTES_H
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <functional>

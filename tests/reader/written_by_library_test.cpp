@@ -1,4 +1,6 @@
 // What the library writes, the reader gives back.
+#include <gmock/gmock.h>
+
 #include <numeric>
 
 #include "interface/vlm_internal_tables.h"
@@ -10,7 +12,6 @@ namespace {
 
 using KPF_READER::Recording;
 using TEST_SUPPORT::Bytes;
-using testing::ElementsAre;
 using Samples = std::vector<std::uint16_t>;
 
 struct Form {

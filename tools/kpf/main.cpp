@@ -1,12 +1,14 @@
 // kpf: the command line.
 #include <CLI/CLI.hpp>
+#include <cstdio>
+#include <exception>
 
 #include "tools/kpf/info.h"
 #include "tools/kpf/verify.h"
 
 namespace {
 
-constexpr int kWrongUsage = 2;
+constexpr int kNothingDone = 2;  // wrong usage, or out of memory
 
 /// Each command keeps its options here until it runs, and leaves its exit code.
 struct Commands {
@@ -33,7 +35,7 @@ void addVerify(CLI::App& app, Commands& commands) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
   CLI::App app{"Records mono video, and looks after the recordings."};
   app.set_version_flag("--version", "kpf " KPF_VERSION);
   app.require_subcommand(1);
@@ -43,7 +45,10 @@ int main(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : kWrongUsage;
+    return app.exit(error) == 0 ? 0 : kNothingDone;
   }
   return commands.result;
+} catch (const std::exception& error) {
+  std::fprintf(stderr, "kpf: %s\n", error.what());
+  return kNothingDone;
 }

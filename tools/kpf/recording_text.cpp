@@ -34,7 +34,7 @@ std::string quoted(const std::string& text) {
 }
 
 std::string timeText(const KPF_READER::FrameRecord& record) {
-  const std::string seconds = fmt::format("{}.{:06}", record.seconds, record.microseconds);
+  std::string seconds = fmt::format("{}.{:06}", record.seconds, record.microseconds);
   if (record.seconds <= 0 || record.seconds >= kYear10000) return seconds;
   return fmt::format("{} ({:%F %T}.{:06} UTC)", seconds,
                      fmt::gmtime(static_cast<std::time_t>(record.seconds)), record.microseconds);
