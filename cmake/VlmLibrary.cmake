@@ -24,6 +24,12 @@ endforeach()
 set_target_properties(vlm_internal PROPERTIES
   VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
 
+if(WIN32)
+  target_sources(vlm_internal PRIVATE ${PROJECT_BINARY_DIR}/version.rc)
+  # Only what is marked as exported, not the C++ library's templates beside it.
+  target_link_options(vlm_internal PRIVATE LINKER:--exclude-all-symbols)
+endif()
+
 # The version script keeps the C++ library's own templates out of the table of exports.
 if(NOT WIN32)
   file(STRINGS ${PROJECT_SOURCE_DIR}/cmake/exports.txt exports REGEX "^[^#]")

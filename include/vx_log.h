@@ -3,6 +3,7 @@
 #define VX_LOG_H
 
 #include <cstddef>
+#include <memory>
 #include <mutex>
 #include <string>
 
@@ -62,8 +63,8 @@ class VxLogger {
   VxLogger(const VxLogger&) = delete;
   VxLogger& operator=(const VxLogger&) = delete;
 
-  static VxLogger* instance;         // owned; null until the first factory()
-  static std::mutex instance_mutex;  // guards the creation of `instance`
+  static std::unique_ptr<VxLogger> instance;  // null until the first factory()
+  static std::mutex instance_mutex;           // guards the creation of `instance`
 
  private:
   VxLogger() = default;

@@ -12,8 +12,7 @@
 
 namespace VLM_INTERNAL {
 
-// Constant-initialised, and destroyed before the logger that closing a stream writes to: the
-// logger's lifetime object of this file was made first.
+// Destroyed before the logger that closing a stream writes to: the logger is made with a priority.
 constinit HandleTable<VLM_KPF::VxKPFPackedStream> streamVector;
 // Defined second, so destroyed first.
 constinit HandleTable<VLM_KPF::VxKPFMotionAmpl> maVector;

@@ -9,13 +9,10 @@
 #endif
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <utility>
-
-#include "vx_log_lifetime.h"
 
 namespace VX_LOG {
 namespace {
@@ -31,26 +28,17 @@ constexpr int kOpenFlags = O_WRONLY | O_CREAT;
 constexpr int kPermissions = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP;
 #endif
 
-constinit std::atomic<int> lifetimes{0};
-
 }  // namespace
 
-// Both are constant-initialised: a static object of any file may log while it is constructed.
-constinit VxLogger* VxLogger::instance = nullptr;
-constinit std::mutex VxLogger::instance_mutex;
-
-VxLoggerLifetime::VxLoggerLifetime() { ++lifetimes; }
-
-VxLoggerLifetime::~VxLoggerLifetime() {
-  if (--lifetimes > 0) return;
-  delete VxLogger::instance;
-  VxLogger::instance = nullptr;
-}
+// The lowest priorities that are not the compiler's own: made before every static object that may
+// log, in whatever order the program was linked, and so destroyed after all of them.
+[[gnu::init_priority(101)]] std::mutex VxLogger::instance_mutex;
+[[gnu::init_priority(102)]] std::unique_ptr<VxLogger> VxLogger::instance;
 
 VxLogger* VxLogger::factory() {
   const std::lock_guard lock(instance_mutex);
-  if (instance == nullptr) instance = new VxLogger;
-  return instance;
+  if (instance == nullptr) instance.reset(new VxLogger);
+  return instance.get();
 }
 
 VxLogger::~VxLogger() { closeFile(); }

@@ -18,7 +18,8 @@ struct SpareBlock {
   std::size_t size = 0;
 };
 
-constinit SpareBlock spare;
+// Made before, and destroyed after, every static object that may hold a frame.
+[[gnu::init_priority(101)]] SpareBlock spare;
 
 unsigned char* takeSpare(std::size_t size) {
   const std::lock_guard lock(spare.mutex);

@@ -7,7 +7,6 @@
 #include <string>
 #include <string_view>
 
-#include "log/vx_log_lifetime.h"
 #include "packed/vx_kpf_packed.h"
 #include "vlm_configuration.h"
 #include "vlm_results.h"

@@ -63,11 +63,10 @@ void recordUnderManyNames(const std::string& folder) {
   record(folder + "/clip.kpf", folder + "/clip/clip_0001.div");
   record(folder + "/with spaces.kpf", folder + "/with spaces/with spaces_0001.div");
 #ifdef _WIN32
-  record(folder + "\\back.kpf", folder + "\\back\\back_0001.div");
-  std::string mixed = folder + "/mixed.kpf";
-  std::replace(mixed.begin(), mixed.begin() + static_cast<std::ptrdiff_t>(folder.size()), '/',
-               '\\');
-  record(mixed, folder + "/mixed/mixed_0001.div");
+  std::string back = folder;
+  std::replace(back.begin(), back.end(), '/', '\\');
+  record(back + "\\back.kpf", folder + "/back/back_0001.div");
+  record(back + "/mixed.kpf", folder + "/mixed/mixed_0001.div");
 #endif
   expect(vxCreatePackStreamer(folder + "/missing/clip.kpf", configuration(1)) == 0,
          "a name in no folder gives no stream");

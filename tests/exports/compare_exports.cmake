@@ -1,8 +1,8 @@
 # Fails when the library exports more or less than the list says.
 if(WINDOWS)
   execute_process(COMMAND ${OBJDUMP} -p ${LIBRARY} OUTPUT_VARIABLE table COMMAND_ERROR_IS_FATAL ANY)
-  string(REGEX REPLACE "^.*\\[Ordinal/Name Pointer\\] Table" "" table "${table}")
-  string(REGEX MATCHALL "\\[ *[0-9]+\\] [^\n\r ]+" rows "${table}")
+  string(REGEX MATCH "\\[Ordinal/Name Pointer\\] Table[^\n]*\n(\t\\[[^\n]*\n)+" table "${table}")
+  string(REGEX MATCHALL "\t\\[[^\n]*" rows "${table}")
 else()
   execute_process(COMMAND ${NM} -D --defined-only ${LIBRARY}
     OUTPUT_VARIABLE table COMMAND_ERROR_IS_FATAL ANY)

@@ -150,7 +150,8 @@ TEST_F(HeaderFile, TextsStopAtAZeroByte) {
 
 TEST_F(HeaderFile, SeventyBytesOfText2ReachBehindTheFixedTextThatFollows) {
   VXP_STREAM_CONFIGURATION c = smallConfiguration(1);
-  c.text2 = std::string(69, 'x') + "y";
+  c.text2 = std::string(70, 'x');
+  c.text2.back() = 'y';
   const Bytes image = write(c);
   EXPECT_EQ(Bytes(image.begin() + 324, image.begin() + 384), Bytes(60, 'x'));
   EXPECT_EQ(std::string(image.begin() + 384, image.begin() + 393), "Converted");

@@ -107,6 +107,7 @@ TEST_F(Lifecycle, ExistingFolderIsUsed) {
   EXPECT_EQ(stream.streamStatus, 3U);
 }
 
+#ifndef _WIN32  // where a name with a separator behind it may be a plain file's
 TEST_F(Lifecycle, PlainFileInTheFoldersPlaceIsABadPath) {
   writeText(folder / "rec", "in the way");
   EXPECT_EQ(stream.prepareForWriting(name, smallConfiguration(1)), 22U);
@@ -114,6 +115,7 @@ TEST_F(Lifecycle, PlainFileInTheFoldersPlaceIsABadPath) {
                           " for DIV files!\n");
   EXPECT_EQ(readText(folder / "rec"), "in the way");
 }
+#endif
 
 TEST_F(Lifecycle, OldHeaderFileIsReplaced) {
   writeText(name, std::string(5000, 'x'));
