@@ -7,7 +7,7 @@ set(VLM_X86_KERNELS OFF)
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$" AND CMAKE_SIZEOF_VOID_P EQUAL 8)
   set(VLM_X86_KERNELS ON)
 endif()
-set(VLM_AVX2_OPTIONS -mavx2)
+set(VLM_AVX2_OPTIONS -mavx2 -mfma)
 set(VLM_AVX512_OPTIONS -mavx512f -mavx512bw -mavx512vl -mavx512dq -mavx512vbmi)
 
 function(vlm_add_kernels target stem)

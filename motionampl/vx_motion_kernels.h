@@ -5,7 +5,11 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "cpu/isa.h"
+
 namespace VLM_KPF {
+
+using CPU::Isa;
 
 /// Entries of a gain table: what is added to a sample, by its difference from the reference.
 inline constexpr std::size_t kGains = 256;
@@ -30,9 +34,6 @@ struct MotionKernels {
   void (*amplify)(const unsigned char* frame, const unsigned char* reference,
                   const unsigned char* gain, unsigned char* out, std::size_t samples);
 };
-
-/// kAvx512 asks for F, BW, VL, DQ and VBMI.
-enum class Isa { kPlain, kAvx2, kAvx512 };
 
 /// The set in use: the fastest that this processor runs, unless another was forced.
 const MotionKernels& motionKernels();

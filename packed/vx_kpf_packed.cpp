@@ -64,7 +64,7 @@ class ImagePacker {
     if (eightBit_) {
       std::memcpy(packed_ + row * width_ + position, in, count);
     } else {
-      packPairsPlain(in, packed_ + (row * width_ + 2 * position) * 3 / 2, count);
+      packKernels().packPairs(in, packed_ + (row * width_ + 2 * position) * 3 / 2, count);
     }
   }
 

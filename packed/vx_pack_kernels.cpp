@@ -1,6 +1,20 @@
 #include "packed/vx_pack_kernels.h"
 
+#include "cpu/kernel_choice.h"
+#include "packed/vx_pack_kernels_isa.h"
+
 namespace VX_KPF_PACKED {
+namespace {
+
+constexpr PackKernels kPlain{packPairsPlain};
+
+#ifdef VLM_X86_KERNELS
+constinit CPU::KernelChoice<PackKernels> choice(&kPlain, &kPackKernelsAvx2, &kPackKernelsAvx512);
+#else
+constinit CPU::KernelChoice<PackKernels> choice(&kPlain, nullptr, nullptr);
+#endif
+
+}  // namespace
 
 void packPairsPlain(const unsigned char* in, unsigned char* out, std::size_t pairs) {
   for (std::size_t i = 0; i < pairs; ++i, in += 4, out += 3) {
@@ -9,5 +23,11 @@ void packPairsPlain(const unsigned char* in, unsigned char* out, std::size_t pai
     out[2] = in[3];
   }
 }
+
+const PackKernels& packKernels() { return choice.inUse(); }
+
+const PackKernels* packKernelsOf(Isa isa) { return choice.of(isa); }
+
+bool forcePackKernels(Isa isa) { return choice.force(isa); }
 
 }  // namespace VX_KPF_PACKED

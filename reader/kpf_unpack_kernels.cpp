@@ -1,6 +1,21 @@
 #include "reader/kpf_unpack_kernels.h"
 
+#include "cpu/kernel_choice.h"
+#include "reader/kpf_unpack_kernels_isa.h"
+
 namespace KPF_READER {
+namespace {
+
+constexpr UnpackKernels kPlain{unpackPairsPlain};
+
+#ifdef VLM_X86_KERNELS
+constinit CPU::KernelChoice<UnpackKernels> choice(&kPlain, &kUnpackKernelsAvx2,
+                                                  &kUnpackKernelsAvx512);
+#else
+constinit CPU::KernelChoice<UnpackKernels> choice(&kPlain, nullptr, nullptr);
+#endif
+
+}  // namespace
 
 void unpackPairsPlain(const unsigned char* in, std::uint16_t* out, std::size_t pairs) {
   for (std::size_t i = 0; i < pairs; ++i, in += 3, out += 2) {
@@ -9,5 +24,11 @@ void unpackPairsPlain(const unsigned char* in, std::uint16_t* out, std::size_t p
     out[1] = static_cast<std::uint16_t>(in[2] << 8 | (shared & 0xF0));
   }
 }
+
+const UnpackKernels& unpackKernels() { return choice.inUse(); }
+
+const UnpackKernels* unpackKernelsOf(Isa isa) { return choice.of(isa); }
+
+bool forceUnpackKernels(Isa isa) { return choice.force(isa); }
 
 }  // namespace KPF_READER

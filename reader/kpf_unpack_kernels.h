@@ -1,20 +1,37 @@
-// The inner loops of 12-bit unpacking. The plain one is the definition.
+// The inner loops of 12-bit unpacking, one set for every instruction set that they are written for.
 #ifndef KPF_UNPACK_KERNELS_H
 #define KPF_UNPACK_KERNELS_H
 
 #include <cstddef>
 #include <cstdint>
 
+#include "cpu/isa.h"
+
 namespace KPF_READER {
 
-/**
- * Unpacks `pairs` pixel pairs: 3 bytes of `in` become 2 samples of `out`.
- *
- * The bytes are: first sample's bits 15-8; second's bits 7-4 above the first's bits 7-4; second's
- * bits 15-8. Bits 3-0 of the samples are 0. `in` need not be aligned; the buffers do not overlap,
- * and nothing beyond the pairs is read or written.
- */
-void unpackPairsPlain(const unsigned char* in, std::uint16_t* out, std::size_t pairs);
+using CPU::Isa;
+
+/// All sets give the same samples; the plain one is the definition.
+struct UnpackKernels {
+  /**
+   * Unpacks `pairs` pixel pairs: 3 bytes of `in` become 2 samples of `out`.
+   *
+   * The bytes are: first sample's bits 15-8; second's bits 7-4 above the first's bits 7-4; second's
+   * bits 15-8. Bits 3-0 of the samples are 0. `in` need not be aligned; the buffers do not overlap,
+   * and nothing beyond the pairs is read or written.
+   */
+  void (*unpackPairs)(const unsigned char* in, std::uint16_t* out, std::size_t pairs);
+};
+
+/// The set in use: the fastest that this processor runs, unless another was forced.
+const UnpackKernels& unpackKernels();
+
+/// The set of an instruction set, or null where this processor or build does not have it.
+const UnpackKernels* unpackKernelsOf(Isa isa);
+
+/// For tests and benchmarks: uses the set of `isa` from now on.
+/// @return false, and nothing changes, where there is none.
+bool forceUnpackKernels(Isa isa);
 
 }  // namespace KPF_READER
 

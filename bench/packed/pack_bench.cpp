@@ -17,7 +17,8 @@ Job packJob(FrameSize size) {
   const std::size_t moved = movedBy12Bits(size);
   auto in = std::make_shared<BufferRing>(size.pixels() * 2, moved);
   auto out = std::make_shared<BufferRing>(size.pixels() * 3 / 2, moved);
-  return [=] { VX_KPF_PACKED::packPairsPlain(in->next(), out->next(), size.pixels() / 2); };
+  return
+      [=] { VX_KPF_PACKED::packKernels().packPairs(in->next(), out->next(), size.pixels() / 2); };
 }
 
 Job frameJob(FrameSize size, int bitsPerPixel, std::size_t imageSize, std::size_t moved) {

@@ -1,4 +1,4 @@
-#include "reader/kpf_unpack_kernels.h"
+#include "reader/kpf_reader.h"
 #include "tests/reader/recording_bytes.h"
 
 namespace {
@@ -20,20 +20,6 @@ Samples unpacked(const Header& header, const Bytes& pixels) {
   Samples samples(header.pixelCount(), 0x5555);
   KPF_READER::unpackPixels(header, pixels, samples);
   return samples;
-}
-
-TEST(UnpackKernel, PairSharesItsMiddleByte) {
-  const Bytes in{0xAB, 0x3C, 0x12};
-  Samples out(2);
-  KPF_READER::unpackPairsPlain(in.data(), out.data(), 1);
-  EXPECT_THAT(out, ElementsAre(0xABC0, 0x1230));
-}
-
-TEST(UnpackKernel, NothingBehindThePairsIsTouched) {
-  const Bytes in{0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xFF};
-  Samples out(6, 0x7777);
-  KPF_READER::unpackPairsPlain(in.data(), out.data() + 1, 2);
-  EXPECT_THAT(out, ElementsAre(0x7777, 0x0130, 0x4520, 0x6790, 0xAB80, 0x7777));
 }
 
 TEST(Unpack, EvenWidthRowsFollowEachOther) {

@@ -1,0 +1,16 @@
+// What the kernel files of the instruction sets and their chooser offer each other.
+#ifndef VX_PACK_KERNELS_ISA_H
+#define VX_PACK_KERNELS_ISA_H
+
+#include "packed/vx_pack_kernels.h"
+
+namespace VX_KPF_PACKED {
+
+extern const PackKernels kPackKernelsAvx2;
+extern const PackKernels kPackKernelsAvx512;
+
+void packPairsPlain(const unsigned char* in, unsigned char* out, std::size_t pairs);
+
+}  // namespace VX_KPF_PACKED
+
+#endif

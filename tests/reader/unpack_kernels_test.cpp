@@ -1,0 +1,84 @@
+#include "reader/kpf_unpack_kernels.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/files.h"
+#include "tests/support/kernel_inputs.h"
+
+namespace {
+
+using KPF_READER::forceUnpackKernels;
+using KPF_READER::Isa;
+using KPF_READER::UnpackKernels;
+using KPF_READER::unpackKernels;
+using KPF_READER::unpackKernelsOf;
+using TEST_SUPPORT::Bytes;
+using TEST_SUPPORT::Source;
+using testing::ElementsAre;
+using Samples = std::vector<std::uint16_t>;
+
+constexpr std::size_t kGuard = 64;  // samples before and behind an output
+
+class UnpackKernelsOf : public testing::TestWithParam<Isa> {
+ protected:
+  void SetUp() override {
+    if (kernels == nullptr) GTEST_SKIP() << "not on this processor";
+  }
+
+  const UnpackKernels* const kernels = unpackKernelsOf(GetParam());
+};
+
+TEST_P(UnpackKernelsOf, PairSharesItsMiddleByte) {
+  const Bytes in{0xAB, 0x3C, 0x12};
+  Samples out(2);
+  kernels->unpackPairs(in.data(), out.data(), 1);
+  EXPECT_THAT(out, ElementsAre(0xABC0, 0x1230));
+}
+
+TEST_P(UnpackKernelsOf, NothingBehindThePairsIsTouched) {
+  const Bytes in{0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xFF};
+  Samples out(6, 0x7777);
+  kernels->unpackPairs(in.data(), out.data() + 1, 2);
+  EXPECT_THAT(out, ElementsAre(0x7777, 0x0130, 0x4520, 0x6790, 0xAB80, 0x7777));
+}
+
+TEST_P(UnpackKernelsOf, AllUnpackAsThePlainLoopDoes) {
+  const UnpackKernels& plain = *unpackKernelsOf(Isa::kPlain);
+  TEST_SUPPORT::forKernelInputs([&](std::size_t pairs, std::size_t offset, const Source& source) {
+    const auto in = TEST_SUPPORT::filled<unsigned char>(3 * pairs + offset, source);
+    Samples out(kGuard + offset + 2 * pairs + kGuard, 0xA5A5);
+    Samples expected = out;
+    plain.unpackPairs(in.data() + offset, expected.data() + kGuard + offset, pairs);
+    kernels->unpackPairs(in.data() + offset, out.data() + kGuard + offset, pairs);
+    ASSERT_TRUE(out == expected) << pairs << " pairs, offset " << offset;
+  });
+}
+
+INSTANTIATE_TEST_SUITE_P(AllSets, UnpackKernelsOf, testing::ValuesIn(CPU::kAllIsas),
+                         TEST_SUPPORT::isaName);
+
+TEST(UnpackKernelChoice, ForcedSetIsTheOneInUse) {
+  const UnpackKernels& before = unpackKernels();
+  for (const Isa isa : CPU::kAllIsas) {
+    const UnpackKernels* const kernels = unpackKernelsOf(isa);
+    EXPECT_EQ(forceUnpackKernels(isa), kernels != nullptr);
+    if (kernels != nullptr) {
+      EXPECT_EQ(&unpackKernels(), kernels);
+    }
+  }
+  for (const Isa isa : CPU::kAllIsas) {
+    if (unpackKernelsOf(isa) == &before) forceUnpackKernels(isa);
+  }
+  EXPECT_EQ(&unpackKernels(), &before);
+}
+
+TEST(UnpackKernelChoice, SetsDiffer) {
+  for (const Isa isa : {Isa::kAvx2, Isa::kAvx512}) {
+    const UnpackKernels* const kernels = unpackKernelsOf(isa);
+    if (kernels == nullptr) continue;
+    EXPECT_NE(kernels->unpackPairs, unpackKernelsOf(Isa::kPlain)->unpackPairs);
+  }
+}
+
+}  // namespace

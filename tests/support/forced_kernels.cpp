@@ -1,0 +1,34 @@
+#include "tests/support/forced_kernels.h"
+
+#include <cstdlib>
+#include <iterator>
+
+#include "motionampl/vx_motion_kernels.h"
+#include "packed/vx_pack_kernels.h"
+#include "reader/kpf_unpack_kernels.h"
+
+namespace TEST_SUPPORT {
+namespace {
+
+constexpr std::string_view kNames[] = {"plain", "avx2", "avx512"};
+static_assert(std::size(kNames) == std::size(CPU::kAllIsas));
+
+}  // namespace
+
+bool forceKernels(std::string_view name) {
+  for (std::size_t i = 0; i < std::size(kNames); ++i) {
+    const CPU::Isa isa = CPU::kAllIsas[i];
+    if (name == kNames[i]) {
+      return VX_KPF_PACKED::forcePackKernels(isa) && KPF_READER::forceUnpackKernels(isa) &&
+             VLM_KPF::forceMotionKernels(isa);
+    }
+  }
+  return false;
+}
+
+bool forceKernelsOfEnvironment() {
+  const char* const name = std::getenv("VLM_KERNELS");
+  return name == nullptr || forceKernels(name);
+}
+
+}  // namespace TEST_SUPPORT
