@@ -21,50 +21,39 @@ __m256i twice(const unsigned char* table16) {
 
 // --- Reference -----------------------------------------------------------------------------------
 
-// Below this, (sum + 0.5) * (1 / window) in single precision truncates to sum / window, whatever
-// the window: both roundings together stay smaller than the half that keeps it from the next
-// integer.
-constexpr std::uint32_t kExactSums = std::uint32_t{1} << 22;
-
-// The processor's own look-ahead ends with a page. Eight KiB on, 15 to 45 % faster (measured).
-constexpr std::size_t kAhead = 2048;  // sums
-
-/// Eight quotients, and the largest sum seen.
-__m256i quotients(const std::uint32_t* sums, __m256 reciprocal, __m256i& largest) {
-  const __m256i sum = load(sums);
-  largest = _mm256_max_epu32(largest, sum);
-  // The bits of 2^23 + sum; what is taken off leaves sum + 0.5.
-  const __m256i biased = _mm256_or_si256(sum, _mm256_set1_epi32(0x4B000000));
-  const __m256 raised = _mm256_sub_ps(_mm256_castsi256_ps(biased), _mm256_set1_ps(8388607.5F));
-  return _mm256_cvttps_epi32(_mm256_mul_ps(raised, reciprocal));
+/// Eight quotients: (sum + 0.5) / window - 0.5, rounded to the nearest integer.
+__m256i quotients(const std::uint32_t* sums, __m256 reciprocal, __m256 offset) {
+  const __m256 sum = _mm256_cvtepi32_ps(load(sums));
+  return _mm256_cvtps_epi32(_mm256_fmadd_ps(sum, reciprocal, offset));
 }
 
-std::uint32_t largestOf(__m256i values) {
-  std::uint32_t each[8];
-  _mm256_storeu_si256(reinterpret_cast<__m256i*>(each), values);
-  std::uint32_t largest = 0;
-  for (const std::uint32_t value : each) largest = value > largest ? value : largest;
-  return largest;
-}
-
-/// Divides whole vectors. @return false where a sum was too large for the result to be right.
+/// Divides whole vectors. @return false when a quotient did not fit a byte.
 bool divideVectors(const std::uint32_t* sums, std::uint32_t window, unsigned char* out,
                    std::size_t samples) {
   const __m256 reciprocal = _mm256_set1_ps(1.0F / static_cast<float>(window));
+  const __m256 offset = _mm256_set1_ps(0.5F / static_cast<float>(window) - 0.5F);
   const __m256i inOrder = _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7);
-  __m256i largest = _mm256_setzero_si256();
+  __m256i seen = _mm256_setzero_si256();
   for (std::size_t i = 0; i < samples; i += kVector) {
-    const std::uint32_t* const next = sums + (samples - i > kAhead ? i + kAhead : i);
+    const std::uint32_t* const next =
+        sums + (samples - i > kReferenceAhead ? i + kReferenceAhead : i);
     _mm_prefetch(next, _MM_HINT_T0);
     _mm_prefetch(next + 16, _MM_HINT_T0);
-    const __m256i low = _mm256_packs_epi32(quotients(sums + i, reciprocal, largest),
-                                           quotients(sums + i + 8, reciprocal, largest));
-    const __m256i high = _mm256_packs_epi32(quotients(sums + i + 16, reciprocal, largest),
-                                            quotients(sums + i + 24, reciprocal, largest));
+    const __m256i low = _mm256_packs_epi32(quotients(sums + i, reciprocal, offset),
+                                           quotients(sums + i + 8, reciprocal, offset));
+    const __m256i high = _mm256_packs_epi32(quotients(sums + i + 16, reciprocal, offset),
+                                            quotients(sums + i + 24, reciprocal, offset));
+    seen = _mm256_or_si256(seen, _mm256_or_si256(low, high));
     store(out + i, _mm256_permutevar8x32_epi32(_mm256_packus_epi16(low, high), inOrder));
   }
-  const std::uint32_t most = largestOf(largest);
-  return most < kExactSums && most / window <= 255;  // packing saturates beyond
+  return _mm256_testz_si256(seen, _mm256_set1_epi16(-256)) != 0;
+}
+
+void divide(const std::uint32_t* sums, std::uint32_t window, unsigned char* out,
+            std::size_t samples) {
+  std::size_t inVectors = window <= kLargestFloatWindow ? samples / kVector * kVector : 0;
+  if (!divideVectors(sums, window, out, inVectors)) inVectors = 0;
+  divideLoop(sums + inVectors, window, out + inVectors, samples - inVectors);
 }
 
 // --- Amplification -------------------------------------------------------------------------------
@@ -151,13 +140,6 @@ void amplify(const unsigned char* frame, const unsigned char* reference, const u
 
 }  // namespace
 
-void divideAvx2(const std::uint32_t* sums, std::uint32_t window, unsigned char* out,
-                std::size_t samples) {
-  std::size_t inVectors = samples / kVector * kVector;
-  if (!divideVectors(sums, window, out, inVectors)) inVectors = 0;
-  divideLoop(sums + inVectors, window, out + inVectors, samples - inVectors);
-}
-
-const MotionKernels kMotionKernelsAvx2{addLoop, exchangeLoop, divideAvx2, amplify};
+const MotionKernels kMotionKernelsAvx2{addLoop, exchangeLoop, divide, amplify};
 
 }  // namespace VLM_KPF

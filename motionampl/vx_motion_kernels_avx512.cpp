@@ -9,6 +9,40 @@ namespace {
 
 constexpr std::size_t kVector = 64;  // samples
 
+/// Sixteen quotients, as the AVX2 kernel has them.
+__m512i quotients(const std::uint32_t* sums, __m512 reciprocal, __m512 offset) {
+  const __m512 sum = _mm512_cvtepi32_ps(_mm512_loadu_si512(sums));
+  return _mm512_cvtps_epi32(_mm512_fmadd_ps(sum, reciprocal, offset));
+}
+
+/// Divides whole vectors. @return false when a quotient did not fit a byte.
+bool divideVectors(const std::uint32_t* sums, std::uint32_t window, unsigned char* out,
+                   std::size_t samples) {
+  const __m512 reciprocal = _mm512_set1_ps(1.0F / static_cast<float>(window));
+  const __m512 offset = _mm512_set1_ps(0.5F / static_cast<float>(window) - 0.5F);
+  const __m512i inOrder = _mm512_setr_epi32(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15);
+  __m512i seen = _mm512_setzero_si512();
+  for (std::size_t i = 0; i < samples; i += kVector) {
+    const std::uint32_t* const next =
+        sums + (samples - i > kReferenceAhead ? i + kReferenceAhead : i);
+    for (std::size_t line = 0; line < kVector; line += 16) _mm_prefetch(next + line, _MM_HINT_T0);
+    const __m512i low = _mm512_packs_epi32(quotients(sums + i, reciprocal, offset),
+                                           quotients(sums + i + 16, reciprocal, offset));
+    const __m512i high = _mm512_packs_epi32(quotients(sums + i + 32, reciprocal, offset),
+                                            quotients(sums + i + 48, reciprocal, offset));
+    seen = _mm512_or_si512(seen, _mm512_or_si512(low, high));
+    _mm512_storeu_si512(out + i, _mm512_permutexvar_epi32(inOrder, _mm512_packus_epi16(low, high)));
+  }
+  return _mm512_test_epi16_mask(seen, _mm512_set1_epi16(-256)) == 0;
+}
+
+void divide(const std::uint32_t* sums, std::uint32_t window, unsigned char* out,
+            std::size_t samples) {
+  std::size_t inVectors = window <= kLargestFloatWindow ? samples / kVector * kVector : 0;
+  if (!divideVectors(sums, window, out, inVectors)) inVectors = 0;
+  divideLoop(sums + inVectors, window, out + inVectors, samples - inVectors);
+}
+
 /// A gain table held in four registers.
 struct Gains {
   explicit Gains(const unsigned char* gain)
@@ -44,6 +78,6 @@ void amplify(const unsigned char* frame, const unsigned char* reference, const u
 
 }  // namespace
 
-const MotionKernels kMotionKernelsAvx512{addLoop, exchangeLoop, divideAvx2, amplify};
+const MotionKernels kMotionKernelsAvx512{addLoop, exchangeLoop, divide, amplify};
 
 }  // namespace VLM_KPF

@@ -9,9 +9,15 @@ namespace VLM_KPF {
 extern const MotionKernels kMotionKernelsAvx2;
 extern const MotionKernels kMotionKernelsAvx512;
 
-/// The wider set uses this one too: with vectors of 512 bits it was slower, by a fifth and more.
-void divideAvx2(const std::uint32_t* sums, std::uint32_t window, unsigned char* out,
-                std::size_t samples);
+/**
+ * Up to this window a quotient is exact in single precision: rounding disturbs
+ * (sum + 0.5) / window - 0.5 by less than the 0.5 / window that keep it from halfway between two
+ * integers. Larger sums than a window of bytes has show as quotients above 255 or below 0.
+ */
+inline constexpr std::uint32_t kLargestFloatWindow = 8192;
+
+/// How far ahead the sums are fetched: the processor's own look-ahead ends with a page.
+inline constexpr std::size_t kReferenceAhead = 2048;  // sums
 
 }  // namespace VLM_KPF
 

@@ -210,6 +210,20 @@ TEST_P(MotionKernelsOf, DividesRightAtTheStepsOfHugeWindows) {
   }
 }
 
+// Quotients of 9 bits and more, and sums that are negative numbers to a signed conversion.
+TEST_P(MotionKernelsOf, DividesSumsThatWindowsCannotReach) {
+  for (std::uint32_t window = 1; window <= 8193; ++window) {
+    for (const std::uint32_t sum : {256 * window - 1, 256 * window, 0x7FFFFFFFU, 0x80000000U,
+                                    0xFFFFFFFFU - window, 0U - window, 1U - window, 0xFFFFFFFFU}) {
+      Sums sums(64, 0);
+      Samples out(sums.size());
+      sums[window % sums.size()] = sum;
+      kernels->divide(sums.data(), window, out.data(), sums.size());
+      ASSERT_EQ(out[window % sums.size()], sum / window % 256) << sum << " / " << window;
+    }
+  }
+}
+
 // Huge windows just after the start: the sums are still small.
 TEST_P(MotionKernelsOf, DividesSmallSumsRightInHugeWindows) {
   constexpr std::uint32_t kSmall = (1U << 22) - 1;
