@@ -5,14 +5,17 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <functional>
-#include <memory>
 #include <random>
-#include <string>
 #include <vector>
+
+#include "tests/support/kernel_inputs.h"
 
 namespace {
 
+using TEST_SUPPORT::filled;
+using TEST_SUPPORT::forKernelInputs;
+using TEST_SUPPORT::isaName;
+using TEST_SUPPORT::Source;
 using VLM_KPF::forceMotionKernels;
 using VLM_KPF::Isa;
 using VLM_KPF::kGains;
@@ -32,16 +35,6 @@ Gain gainOf(double factor) {
     gain[d] = static_cast<unsigned char>(static_cast<int>(d * factor));
   }
   return gain;
-}
-
-/// Inputs of one kind: random, or one value all over.
-using Source = std::function<unsigned()>;
-
-std::vector<Source> sources() {
-  auto random = std::make_shared<std::mt19937>(20240607);
-  return {[random] { return static_cast<unsigned>((*random)()); }, [] { return 0U; },
-          [] { return ~0U; }, [random] { return (*random)() % 2 != 0 ? ~0U : 0U; },
-          [random] { return static_cast<unsigned>((*random)() % 16); }};
 }
 
 /// `count` elements that begin `offset` bytes off any alignment, among guards.
@@ -69,66 +62,54 @@ class MotionKernelsOf : public testing::TestWithParam<Isa> {
     if (kernels == nullptr) GTEST_SKIP() << "not on this processor";
   }
 
-  /// Runs `compare` over all sizes, offsets and kinds of input.
-  static void forAllInputs(
-      const std::function<void(std::size_t size, std::size_t offset, const Source&)>& compare) {
-    for (std::size_t size = 0; size <= 200; ++size) {
-      for (const std::size_t offset : std::initializer_list<std::size_t>{0, 1, 13}) {
-        for (const Source& source : sources()) {
-          compare(size, offset, source);
-          if (HasFatalFailure()) return;
-        }
-      }
-    }
-  }
-
   const MotionKernels& plain = *motionKernelsOf(Isa::kPlain);
   const MotionKernels* const kernels = motionKernelsOf(GetParam());
 };
 
 TEST_P(MotionKernelsOf, AddsAsThePlainLoopDoes) {
-  forAllInputs([this](std::size_t size, std::size_t offset, const Source& source) {
-    Guarded<unsigned char> newest(size, offset, source);
+  forKernelInputs([this](std::size_t size, std::size_t offset, const Source& source) {
+    const auto newest = filled<unsigned char>(offset + size, source);
     Guarded<std::uint32_t> sums(size, offset, source);
     auto expected = sums;
-    plain.add(expected.data(), newest.data(), size);
-    kernels->add(sums.data(), newest.data(), size);
+    plain.add(expected.data(), newest.data() + offset, size);
+    kernels->add(sums.data(), newest.data() + offset, size);
     ASSERT_TRUE(sums == expected) << size << " samples, offset " << offset;
   });
 }
 
 TEST_P(MotionKernelsOf, ExchangesAsThePlainLoopDoes) {
-  forAllInputs([this](std::size_t size, std::size_t offset, const Source& source) {
-    Guarded<unsigned char> newest(size, offset, source);
-    Guarded<unsigned char> oldest(size, 0, source);
+  forKernelInputs([this](std::size_t size, std::size_t offset, const Source& source) {
+    const auto newest = filled<unsigned char>(offset + size, source);
+    const auto oldest = filled<unsigned char>(size, source);
     Guarded<std::uint32_t> sums(size, offset, source);
     auto expected = sums;
-    plain.exchange(expected.data(), newest.data(), oldest.data(), size);
-    kernels->exchange(sums.data(), newest.data(), oldest.data(), size);
+    plain.exchange(expected.data(), newest.data() + offset, oldest.data(), size);
+    kernels->exchange(sums.data(), newest.data() + offset, oldest.data(), size);
     ASSERT_TRUE(sums == expected) << size << " samples, offset " << offset;
   });
 }
 
 TEST_P(MotionKernelsOf, DividesAsThePlainLoopDoes) {
   for (const std::uint32_t window : {1U, 3U, 9U, 900U, 16449U, 2147483647U}) {
-    forAllInputs([&](std::size_t size, std::size_t offset, const Source& source) {
-      Guarded<std::uint32_t> sums(size, offset, [&] { return source() % (255 * window); });
+    forKernelInputs([&](std::size_t size, std::size_t offset, const Source& source) {
+      const auto sums =
+          filled<std::uint32_t>(offset + size, [&] { return source() % (255 * window); });
       Guarded<unsigned char> out(size, offset, [] { return 0xA5U; });
       auto expected = out;
-      plain.divide(sums.data(), window, expected.data(), size);
-      kernels->divide(sums.data(), window, out.data(), size);
+      plain.divide(sums.data() + offset, window, expected.data(), size);
+      kernels->divide(sums.data() + offset, window, out.data(), size);
       ASSERT_TRUE(out == expected) << size << " samples, offset " << offset << ", W " << window;
     });
   }
 }
 
 TEST_P(MotionKernelsOf, DividesSumsThatNoWindowHolds) {
-  forAllInputs([this](std::size_t size, std::size_t offset, const Source& source) {
-    Guarded<std::uint32_t> sums(size, offset, source);
+  forKernelInputs([this](std::size_t size, std::size_t offset, const Source& source) {
+    const auto sums = filled<std::uint32_t>(offset + size, source);
     Guarded<unsigned char> out(size, offset, [] { return 0xA5U; });
     auto expected = out;
-    plain.divide(sums.data(), 3, expected.data(), size);
-    kernels->divide(sums.data(), 3, out.data(), size);
+    plain.divide(sums.data() + offset, 3, expected.data(), size);
+    kernels->divide(sums.data() + offset, 3, out.data(), size);
     ASSERT_TRUE(out == expected) << size << " samples, offset " << offset;
   });
 }
@@ -136,13 +117,13 @@ TEST_P(MotionKernelsOf, DividesSumsThatNoWindowHolds) {
 TEST_P(MotionKernelsOf, AmplifiesAsThePlainLoopDoes) {
   for (const double factor : {0.0, 0.7, 2.3, 3.0, 300.25, -1.0, -2.5}) {
     const Gain gain = gainOf(factor);
-    forAllInputs([&](std::size_t size, std::size_t offset, const Source& source) {
-      Guarded<unsigned char> frame(size, offset, source);
-      Guarded<unsigned char> reference(size, 0, source);
+    forKernelInputs([&](std::size_t size, std::size_t offset, const Source& source) {
+      const auto frame = filled<unsigned char>(offset + size, source);
+      const auto reference = filled<unsigned char>(size, source);
       Guarded<unsigned char> out(size, offset, [] { return 0xA5U; });
       auto expected = out;
-      plain.amplify(frame.data(), reference.data(), gain.data(), expected.data(), size);
-      kernels->amplify(frame.data(), reference.data(), gain.data(), out.data(), size);
+      plain.amplify(frame.data() + offset, reference.data(), gain.data(), expected.data(), size);
+      kernels->amplify(frame.data() + offset, reference.data(), gain.data(), out.data(), size);
       ASSERT_TRUE(out == expected) << size << " samples, offset " << offset << ", x " << factor;
     });
   }
@@ -233,30 +214,18 @@ TEST_P(MotionKernelsOf, DividesSmallSumsRightInHugeWindows) {
   }
 }
 
-std::string nameOf(const testing::TestParamInfo<Isa>& info) {
-  switch (info.param) {
-    case Isa::kAvx2:
-      return "Avx2";
-    case Isa::kAvx512:
-      return "Avx512";
-    default:
-      return "Plain";
-  }
-}
-
-INSTANTIATE_TEST_SUITE_P(AllSets, MotionKernelsOf,
-                         testing::Values(Isa::kPlain, Isa::kAvx2, Isa::kAvx512), nameOf);
+INSTANTIATE_TEST_SUITE_P(AllSets, MotionKernelsOf, testing::ValuesIn(CPU::kAllIsas), isaName);
 
 TEST(MotionKernelChoice, ForcedSetIsTheOneInUse) {
   const MotionKernels& before = motionKernels();
-  for (const Isa isa : {Isa::kPlain, Isa::kAvx2, Isa::kAvx512}) {
+  for (const Isa isa : CPU::kAllIsas) {
     const MotionKernels* const kernels = motionKernelsOf(isa);
     EXPECT_EQ(forceMotionKernels(isa), kernels != nullptr);
     if (kernels != nullptr) {
       EXPECT_EQ(&motionKernels(), kernels);
     }
   }
-  for (const Isa isa : {Isa::kPlain, Isa::kAvx2, Isa::kAvx512}) {
+  for (const Isa isa : CPU::kAllIsas) {
     if (motionKernelsOf(isa) == &before) forceMotionKernels(isa);
   }
   EXPECT_EQ(&motionKernels(), &before);

@@ -25,6 +25,12 @@ void* operator new(std::size_t size) {
   return block;
 }
 
+void* operator new[](std::size_t size) { return operator new(size); }
+
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+  return refusing ? nullptr : std::malloc(size == 0 ? 1 : size);
+}
+
 void operator delete(void* block) noexcept {
   released(block, watchedReleases);
   std::free(block);
