@@ -1,0 +1,165 @@
+// The amplifier: its loops on one frame, its calls, and the whole of a frame against plain loops.
+#include <omp.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <new>
+
+#include "bench/support/jobs.h"
+#include "motionampl/vx_kpf_motionampl.h"
+#include "motionampl/vx_motion_kernels.h"
+
+namespace BENCH {
+namespace {
+
+using VLM_KPF::VxKPFMotionAmpl;
+
+constexpr int kCycles = 3;  // of the motion, in the window
+constexpr double kGain = 2.5;
+
+/// What a frame's way reads and writes, in bytes a pixel.
+constexpr std::size_t kAddMoves = 10;       // newest, oldest, sums in and out
+constexpr std::size_t kReferenceMoves = 5;  // sums, reference
+constexpr std::size_t kAmplifyMoves = 3;    // newest, reference, amplified
+constexpr std::size_t kFrameMoves = kAddMoves + kReferenceMoves + kAmplifyMoves;
+
+/// The camera's side: a block that the amplifier frees, its content left from before.
+unsigned char* newFrame(FrameSize size) {
+  return static_cast<unsigned char*>(::operator new(size.pixels()));
+}
+
+/// An amplifier whose window is full of random frames.
+std::shared_ptr<VxKPFMotionAmpl> fullAmplifier(FrameSize size, int window) {
+  auto amplifier = std::make_shared<VxKPFMotionAmpl>();
+  amplifier->setParameters(window / kCycles, 1.0, static_cast<int>(size.width),
+                           static_cast<int>(size.height), kGain);
+  const Bytes samples = randomBytes(size.pixels());
+  while (!amplifier->amplifyAvailable()) {
+    unsigned char* const frame = newFrame(size);
+    std::copy(samples.begin(), samples.end(), frame);
+    amplifier->addFrame(frame);
+  }
+  return amplifier;
+}
+
+Job addJob(FrameSize size, int window) {
+  auto amplifier = fullAmplifier(size, window);
+  return [=] { amplifier->addFrame(newFrame(size)); };
+}
+
+Job referenceJob(FrameSize size) {
+  auto amplifier = fullAmplifier(size, 9);
+  auto out = std::make_shared<BufferRing>(size.pixels(), size.pixels() * kReferenceMoves);
+  return [=] { amplifier->getReference(out->next()); };
+}
+
+/// Quiet: nearly everywhere the frame is up to 15 above the reference, here and there far above.
+void makeQuiet(Bytes& reference, const unsigned char* frame) {
+  for (std::size_t i = 0; i < reference.size(); ++i) {
+    const int above = i % 997 == 0 ? 100 : reference[i] % 16;
+    reference[i] = static_cast<unsigned char>(std::max(frame[i] - above, 0));
+  }
+}
+
+/// The loop alone, by a table as the amplifier makes it. The reference is in one place for every
+/// frame, as the amplifier's is.
+Job amplifyJob(FrameSize size, bool quiet) {
+  const std::size_t moved = size.pixels() * kAmplifyMoves;
+  auto frames = std::make_shared<BufferRing>(size.pixels(), moved);
+  auto out = std::make_shared<BufferRing>(size.pixels(), moved);
+  Bytes reference = randomBytes(size.pixels(), 2);
+  if (quiet) makeQuiet(reference, frames->next());  // the buffers of a ring begin alike
+  Bytes gain(VLM_KPF::kGains);
+  for (std::size_t d = 0; d < gain.size(); ++d) {
+    gain[d] = static_cast<unsigned char>(static_cast<int>(static_cast<double>(d) * kGain));
+  }
+  return [=] {
+    VLM_KPF::motionKernels().amplify(frames->next(), reference.data(), gain.data(), out->next(),
+                                     size.pixels());
+  };
+}
+
+/// What a frame costs the caller: add it, and get it back amplified.
+Job frameJob(FrameSize size, int window) {
+  auto amplifier = fullAmplifier(size, window);
+  auto out = std::make_shared<BufferRing>(size.pixels(), size.pixels() * kFrameMoves);
+  return [=] {
+    amplifier->addFrame(newFrame(size));
+    amplifier->amplifyFrame(out->next());
+  };
+}
+
+/// The part of it that threads share out.
+Job teamJob(FrameSize size, int threads) {
+  auto amplifier = fullAmplifier(size, 9);
+  auto out = std::make_shared<BufferRing>(size.pixels(), size.pixels() * kFrameMoves);
+  return [=] {
+    omp_set_num_threads(threads);
+    amplifier->amplifyFrame(out->next());
+    omp_set_num_threads(1);
+  };
+}
+
+/// The same as first written: a pass for each step, a division and a product for each pixel.
+class PlainAmplifier {
+ public:
+  explicit PlainAmplifier(FrameSize size) : sums_(size.pixels()), reference_(size.pixels()) {}
+
+  void frame(const unsigned char* newest, const unsigned char* oldest, unsigned char* out) {
+    const std::uint32_t window = window_;
+    const double factor = factor_;
+    for (std::size_t i = 0; i < sums_.size(); ++i) sums_[i] -= oldest[i];
+    for (std::size_t i = 0; i < sums_.size(); ++i) sums_[i] += newest[i];
+    for (std::size_t i = 0; i < sums_.size(); ++i) {
+      reference_[i] = static_cast<unsigned char>(sums_[i] / window);
+    }
+    for (std::size_t i = 0; i < sums_.size(); ++i) {
+      const int difference = std::max(newest[i] - reference_[i], 0);
+      const auto gain = static_cast<unsigned char>(static_cast<int>(difference * factor));
+      out[i] = static_cast<unsigned char>(std::min(newest[i] + gain, 255));
+    }
+  }
+
+ private:
+  std::vector<std::uint32_t> sums_;
+  Bytes reference_;
+  volatile std::uint32_t window_ = 9;  // volatile: not known to the compiler
+  volatile double factor_ = kGain;
+};
+
+Job plainFrameJob(FrameSize size) {
+  auto amplifier = std::make_shared<PlainAmplifier>(size);
+  auto frames = std::make_shared<BufferRing>(size.pixels(), size.pixels());
+  auto out = std::make_shared<BufferRing>(size.pixels(), size.pixels() * kFrameMoves);
+  return [=] { amplifier->frame(frames->next(), frames->next(), out->next()); };
+}
+
+void addJobsOf(FrameSize size) {
+  const std::size_t pixels = size.pixels();
+  addJob("addFrame", size, pixels * kAddMoves, [=] { return addJob(size, 9); });
+  addJob("getReference", size, pixels * kReferenceMoves, [=] { return referenceJob(size); });
+  addJob("amplify-quiet", size, pixels * kAmplifyMoves, [=] { return amplifyJob(size, true); });
+  addJob("amplify-busy", size, pixels * kAmplifyMoves, [=] { return amplifyJob(size, false); });
+  addLoneJob("amplifier", size, pixels * kFrameMoves, [=] { return frameJob(size, 9); });
+  addLoneJob("amplifier/plain", size, pixels * kFrameMoves, [=] { return plainFrameJob(size); });
+}
+
+}  // namespace
+
+void addJobs() {
+  for (const FrameSize size : kFrameSizes) addJobsOf(size);
+  for (const int window : {9, 900}) {
+    addLoneJob("amplifier/W=" + std::to_string(window), kFrameSizes[0],
+               kFrameSizes[0].pixels() * kFrameMoves,
+               [=] { return frameJob(kFrameSizes[0], window); });
+  }
+  const FrameSize large{4096, 3072};
+  for (const int threads : {1, 2}) {
+    addLoneJob("amplifyFrame/threads=" + std::to_string(threads), large,
+               large.pixels() * (kReferenceMoves + kAmplifyMoves),
+               [=] { return teamJob(large, threads); });
+  }
+}
+
+}  // namespace BENCH
