@@ -1,0 +1,40 @@
+// FFmpeg's objects under owning pointers.
+#ifndef KPF_FFMPEG_H
+#define KPF_FFMPEG_H
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavdevice/avdevice.h>
+#include <libavformat/avformat.h>
+#include <libavutil/imgutils.h>
+#include <libavutil/opt.h>
+#include <libavutil/pixdesc.h>
+#include <libswscale/swscale.h>
+}
+
+#include <memory>
+#include <string>
+
+namespace KPF_TOOL {
+
+struct FreeFFmpeg {
+  void operator()(AVFrame* frame) const { av_frame_free(&frame); }
+  void operator()(AVPacket* packet) const { av_packet_free(&packet); }
+  void operator()(AVCodecContext* codec) const { avcodec_free_context(&codec); }
+  void operator()(SwsContext* scaler) const { sws_freeContext(scaler); }
+};
+
+using FramePtr = std::unique_ptr<AVFrame, FreeFFmpeg>;
+using PacketPtr = std::unique_ptr<AVPacket, FreeFFmpeg>;
+using CodecPtr = std::unique_ptr<AVCodecContext, FreeFFmpeg>;
+using ScalerPtr = std::unique_ptr<SwsContext, FreeFFmpeg>;
+
+/// FFmpeg's words for one of its error codes.
+inline std::string ffmpegError(int code) {
+  char text[AV_ERROR_MAX_STRING_SIZE] = "";
+  return av_strerror(code, text, sizeof text) == 0 ? text : "unknown error";
+}
+
+}  // namespace KPF_TOOL
+
+#endif

@@ -1,0 +1,180 @@
+#include "tools/kpf/media_input.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "tools/kpf/tool_error.h"
+
+namespace KPF_TOOL {
+namespace {
+
+constexpr const char* kAdvice =
+    "Give a video file, an image pattern (frame_%04d.png), a camera (/dev/video0) or - .";
+
+/// Bits of a grey sample in native byte order, or 0 for any other format.
+int greyBits(int format) {
+  switch (format) {
+    case AV_PIX_FMT_GRAY8:
+      return 8;
+    case AV_PIX_FMT_GRAY10LE:
+      return 10;
+    case AV_PIX_FMT_GRAY12LE:
+      return 12;
+    case AV_PIX_FMT_GRAY14LE:
+      return 14;
+    case AV_PIX_FMT_GRAY16LE:
+      return 16;
+    default:
+      return 0;
+  }
+}
+
+/// One row of `bits`-bit samples as left-justified 8- or 16-bit ones.
+void copyRow(const unsigned char* in, int bits, unsigned char* out, Samples samples,
+             std::size_t width) {
+  const std::size_t inBytes = bits == 8 ? 1 : 2;
+  if (inBytes == bytesOf(samples) && (bits == 8 || bits == 16)) {
+    std::memcpy(out, in, width * inBytes);
+    return;
+  }
+  for (std::size_t x = 0; x < width; ++x) {
+    const unsigned raw = inBytes == 1 ? in[x] : in[2 * x] | in[2 * x + 1] << 8;
+    const unsigned value = raw << (16 - bits);
+    if (samples == Samples::k16Bit) *out++ = static_cast<unsigned char>(value);
+    *out++ = static_cast<unsigned char>(value >> 8);
+  }
+}
+
+}  // namespace
+
+bool MediaInput::playsOnce(const std::string& name) {
+  return name == "-" || name.starts_with("/dev/");
+}
+
+MediaInput::MediaInput(const std::string& name, Samples samples)
+    : name_(name),
+      samples_(samples),
+      packet_(av_packet_alloc()),
+      frame_(av_frame_alloc()),
+      grey_(av_frame_alloc()) {
+  av_log_set_level(AV_LOG_FATAL);
+  openFile();
+  try {
+    openDecoder();
+  } catch (...) {
+    avformat_close_input(&format_);
+    throw;
+  }
+}
+
+MediaInput::~MediaInput() { avformat_close_input(&format_); }
+
+void MediaInput::openFile() {
+  const AVInputFormat* device = nullptr;
+  if (name_.starts_with("/dev/video")) {
+    avdevice_register_all();
+    device = av_find_input_format("v4l2");
+  }
+  const std::string url = name_ == "-" ? "pipe:0" : name_;
+  const int result = avformat_open_input(&format_, url.c_str(), device, nullptr);
+  if (result < 0) {
+    throw ToolError(kWrongOrUnreadable,
+                    fmt::format("cannot open {}: {}", name_, ffmpegError(result)), kAdvice);
+  }
+}
+
+void MediaInput::openDecoder() {
+  const AVCodec* decoder = nullptr;
+  if (avformat_find_stream_info(format_, nullptr) >= 0) {
+    stream_ = av_find_best_stream(format_, AVMEDIA_TYPE_VIDEO, -1, -1, &decoder, 0);
+  }
+  if (stream_ < 0 || decoder == nullptr) {
+    throw ToolError(kWrongOrUnreadable, fmt::format("{} holds no video", name_), kAdvice);
+  }
+  const AVStream& stream = *format_->streams[stream_];
+  codec_.reset(avcodec_alloc_context3(decoder));
+  avcodec_parameters_to_context(codec_.get(), stream.codecpar);
+  codec_->thread_count = 0;  // as many as there are cores
+  const int result = avcodec_open2(codec_.get(), decoder, nullptr);
+  if (result < 0 || codec_->width <= 0 || codec_->height <= 0) {
+    throw ToolError(kWrongOrUnreadable,
+                    fmt::format("cannot decode {}: {}", name_, ffmpegError(result)), kAdvice);
+  }
+  width_ = static_cast<unsigned>(codec_->width);
+  height_ = static_cast<unsigned>(codec_->height);
+  const AVRational rate = av_guess_frame_rate(format_, format_->streams[stream_], nullptr);
+  if (rate.num > 0 && rate.den > 0) frameRate_ = av_q2d(rate);
+}
+
+bool MediaInput::next() {
+  if (!decode()) return false;
+  if (frame_->width != codec_->width || static_cast<unsigned>(frame_->width) != width_ ||
+      static_cast<unsigned>(frame_->height) != height_) {
+    throw ToolError(kProblems,
+                    fmt::format("{} changes its size from {} x {} to {} x {} pixels", name_, width_,
+                                height_, frame_->width, frame_->height),
+                    "Cut the source where its size changes, and record the pieces.");
+  }
+  return true;
+}
+
+bool MediaInput::decode() {
+  for (;;) {
+    const int result = avcodec_receive_frame(codec_.get(), frame_.get());
+    if (result == 0) return true;
+    if (result != AVERROR(EAGAIN)) return false;
+    // After the last packet the decoder gives what it still holds back.
+    if (readPacket()) {
+      avcodec_send_packet(codec_.get(), packet_.get());
+      av_packet_unref(packet_.get());
+    } else {
+      avcodec_send_packet(codec_.get(), nullptr);
+    }
+  }
+}
+
+bool MediaInput::readPacket() {
+  while (av_read_frame(format_, packet_.get()) >= 0) {
+    if (packet_->stream_index == stream_) return true;
+    av_packet_unref(packet_.get());
+  }
+  return false;
+}
+
+std::optional<double> MediaInput::time() const {
+  if (frame_->best_effort_timestamp == AV_NOPTS_VALUE) return std::nullopt;
+  return static_cast<double>(frame_->best_effort_timestamp) *
+         av_q2d(format_->streams[stream_]->time_base);
+}
+
+void MediaInput::copyTo(unsigned char* out, std::size_t stride) {
+  const AVFrame& frame = asGrey();
+  const int bits = greyBits(frame.format);
+  for (unsigned y = 0; y < height_; ++y) {
+    const std::ptrdiff_t row = static_cast<std::ptrdiff_t>(y) * frame.linesize[0];
+    copyRow(frame.data[0] + row, bits, out + y * stride, samples_, width_);
+  }
+}
+
+const AVFrame& MediaInput::asGrey() {
+  if (greyBits(frame_->format) != 0) return *frame_;
+  const AVPixelFormat wanted = samples_ == Samples::k8Bit ? AV_PIX_FMT_GRAY8 : AV_PIX_FMT_GRAY16LE;
+  if (!scaler_) {
+    scaler_.reset(sws_getContext(
+        frame_->width, frame_->height, static_cast<AVPixelFormat>(frame_->format), frame_->width,
+        frame_->height, wanted, SWS_BICUBIC | SWS_ACCURATE_RND, nullptr, nullptr, nullptr));
+    grey_->format = wanted;
+    grey_->width = frame_->width;
+    grey_->height = frame_->height;
+    if (!scaler_ || av_frame_get_buffer(grey_.get(), 0) < 0) {
+      throw ToolError(kWrongOrUnreadable, fmt::format("cannot turn {} into grey", name_), kAdvice);
+    }
+  }
+  sws_scale(scaler_.get(), frame_->data, frame_->linesize, 0, frame_->height, grey_->data,
+            grey_->linesize);
+  return *grey_;
+}
+
+}  // namespace KPF_TOOL

@@ -1,0 +1,74 @@
+#include "tools/kpf/target.h"
+
+#include <fmt/format.h>
+
+#include <filesystem>
+#include <regex>
+
+#include "tools/kpf/recording_text.h"
+#include "tools/kpf/tool_error.h"
+
+namespace KPF_TOOL {
+namespace fs = std::filesystem;
+namespace {
+
+/// Name and folder of the data files belong to the name without its extension.
+fs::path stemOf(const std::string& header) { return header.substr(0, header.rfind('.')); }
+
+}  // namespace
+
+std::string headerPath(const std::string& output) {
+  const fs::path path(output);
+  if (path.stem().empty() || path.extension().string().size() < 2) {
+    throw ToolError(kWrongOrUnreadable, fmt::format("{} has no extension", quoted(output)),
+                    "Name the recording like clip.kpf.");
+  }
+  return path.has_parent_path() ? output : "./" + output;
+}
+
+std::vector<std::string> filesOf(const std::string& header) {
+  std::vector<std::string> files;
+  for (const std::string& name : {header, header + ".incomplete.txt"}) {
+    if (fs::exists(name)) files.push_back(name);
+  }
+  const fs::path folder = stemOf(header);
+  const std::string base = folder.filename().string() + "_";
+  static const std::regex number(R"(\d{4,}\.div)");
+  if (!fs::is_directory(folder)) return files;
+  for (const auto& entry : fs::directory_iterator(folder)) {
+    const std::string name = entry.path().filename().string();
+    if (name.starts_with(base) && std::regex_match(name.substr(base.size()), number)) {
+      files.push_back(entry.path().string());
+    }
+  }
+  return files;
+}
+
+void clearTarget(const std::string& header, bool force) {
+  const std::vector<std::string> files = filesOf(header);
+  if (files.empty()) return;
+  if (!force) {
+    throw ToolError(kWrongOrUnreadable, fmt::format("{} is there already", escaped(files.front())),
+                    "Choose another name, or give --force to replace the recording.");
+  }
+  for (const std::string& file : files) fs::remove(file);
+}
+
+void checkRoom(const std::string& header, std::uint64_t bytes) {
+  const fs::path folder = fs::path(header).parent_path();
+  std::error_code unknown;
+  const fs::space_info space = fs::space(folder, unknown);
+  if (unknown) {
+    throw ToolError(kWrongOrUnreadable,
+                    fmt::format("{}: {}", escaped(folder.string()), unknown.message()),
+                    "Make the folder first.");
+  }
+  if (bytes <= space.available) return;
+  throw ToolError(kWrongOrUnreadable,
+                  fmt::format("the recording takes {}, the disk has room for {}",
+                              sizeText(static_cast<double>(bytes)),
+                              sizeText(static_cast<double>(space.available))),
+                  "Free some space, or record fewer frames with --frames.");
+}
+
+}  // namespace KPF_TOOL
