@@ -24,6 +24,7 @@ VLM_INTERNAL::LookUp<VxKPFMotionAmpl> lookUpAmplifier(unsigned maHandle, const c
     VxLogger::factory()->vx_log(kLevel, "%s: maHandle is nullptr!", function);
   } else if (found.state != HandleState::kLive) {
     VxLogger::factory()->vx_log(kLevel, "%s: maHandle (%p) is invalid!", function,
+                                // NOLINTNEXTLINE(performance-no-int-to-ptr): only printed
                                 reinterpret_cast<void*>(std::uintptr_t{maHandle}));
   }
   return found;

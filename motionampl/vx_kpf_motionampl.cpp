@@ -8,6 +8,7 @@
 #include <new>
 #include <stdexcept>
 
+#include "memory/vx_frame_memory.h"
 #include "motionampl/vx_motion_kernels.h"
 #include "vx_log.h"
 
@@ -22,6 +23,8 @@ constexpr unsigned kLevel = 7;  // of every line that the amplifier logs
 // Below this a second thread costs more than it brings, most of all where other work holds the
 // cores.
 constexpr std::size_t kParallelSamples = std::size_t{64} << 10;
+
+constinit VX_FRAME_MEMORY::SpareFrame scratch;
 
 /// Toward zero; the smallest number for everything that 32 bits do not hold.
 std::int32_t truncate(double value) {
@@ -125,7 +128,7 @@ bool VxKPFMotionAmpl::getReference(unsigned char* out) {
 bool VxKPFMotionAmpl::amplifyFrame(unsigned char* out) {
   // A negative product asks for more than there is and ends in the allocation's own exception.
   const auto size = static_cast<std::size_t>(std::int64_t{samplesPerFrame()});
-  const auto reference = std::make_unique_for_overwrite<unsigned char[]>(size);
+  const auto reference = scratch.allocate(size);
   if (getReference(reference.get()) && amplifyNewest(reference.get(), out)) return true;
   VxLogger::factory()->vx_log(kLevel, "%s: Unable to get the reference frame!", "amplifyFrame");
   return false;

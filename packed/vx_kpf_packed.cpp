@@ -18,6 +18,8 @@ constexpr std::uint64_t kAddressable = std::uint64_t{1} << 31;
 // cores.
 constexpr std::size_t kParallelPixels = std::size_t{64} << 10;
 
+constinit VX_FRAME_MEMORY::SpareFrame framePixels;
+
 /// An image's rows in units of one packing step: a pixel at 8 bits, a pair of pixels at 12.
 struct Rows {
   std::size_t itemsPerRow;
@@ -105,7 +107,7 @@ void VxKPFPacked::setPackedData(const unsigned char* data, unsigned totalSize, u
   packedSize = totalSize - getHeaderSize();
   header.resize(getHeaderSize());
   packedData.reset();
-  packedData = allocateFrameMemory(packedSize);
+  packedData = framePixels.allocate(packedSize);
   if (data != nullptr) {
     std::memcpy(header.data(), data, getHeaderSize());
     std::memcpy(packedData.get(), data + getHeaderSize(), packedSize);
@@ -125,7 +127,7 @@ void VxKPFPacked::setTiffImageData(const unsigned char* image, unsigned widthIn,
   const Rows rows = rowsOf(width, bitsPerPixel);
   if (image == nullptr || (rows.inStride != 0 && height > kAddressable / rows.inStride)) return;
 
-  packedData = allocateFrameMemory(packedSize);
+  packedData = framePixels.allocate(packedSize);
   // Bytes that a dropped last pixel leaves out stay zero; everything else is about to be written.
   const bool dropsPixels = bitsPerPixel != 8 && width % 2 != 0;
   if (dropsPixels) std::memset(packedData.get(), 0, packedSize);

@@ -4,8 +4,8 @@
 
 #include <vector>
 
+#include "memory/vx_frame_memory.h"
 #include "packed/kpf_layout.h"
-#include "packed/vx_frame_memory.h"
 
 namespace VX_KPF_PACKED {
 
@@ -58,12 +58,12 @@ class VxKPFPacked {
   void setTiffImageData(const unsigned char* image, unsigned width, unsigned height,
                         int bitsPerPixel);
 
-  std::vector<unsigned char> header;  // empty, or exactly 16 bytes
-  FrameMemory packedData;             // null until set
-  int bitsPerPixel = 0;               // 8, or anything else for 12-bit packing
-  unsigned packedSize = 0;            // bytes of packedData
-  unsigned height = 0;                // rows
-  unsigned width = 0;                 // pixels a row
+  std::vector<unsigned char> header;        // empty, or exactly 16 bytes
+  VX_FRAME_MEMORY::FrameMemory packedData;  // null until set
+  int bitsPerPixel = 0;                     // 8, or anything else for 12-bit packing
+  unsigned packedSize = 0;                  // bytes of packedData
+  unsigned height = 0;                      // rows
+  unsigned width = 0;                       // pixels a row
 };
 
 }  // namespace VX_KPF_PACKED

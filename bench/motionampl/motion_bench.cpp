@@ -15,7 +15,7 @@ namespace {
 
 using VLM_KPF::VxKPFMotionAmpl;
 
-constexpr int kCycles = 3;  // of the motion, in the window
+constexpr double kCycles = 3.0;  // of the motion, in the window
 constexpr double kGain = 2.5;
 
 /// What a frame's way reads and writes, in bytes a pixel.
@@ -32,7 +32,7 @@ unsigned char* newFrame(FrameSize size) {
 /// An amplifier whose window is full of random frames.
 std::shared_ptr<VxKPFMotionAmpl> fullAmplifier(FrameSize size, int window) {
   auto amplifier = std::make_shared<VxKPFMotionAmpl>();
-  amplifier->setParameters(window / kCycles, 1.0, static_cast<int>(size.width),
+  amplifier->setParameters(window, kCycles, static_cast<int>(size.width),
                            static_cast<int>(size.height), kGain);
   const Bytes samples = randomBytes(size.pixels());
   while (!amplifier->amplifyAvailable()) {
