@@ -35,8 +35,7 @@ bool divideVectors(const std::uint32_t* sums, std::uint32_t window, unsigned cha
   const __m256i inOrder = _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7);
   __m256i seen = _mm256_setzero_si256();
   for (std::size_t i = 0; i < samples; i += kVector) {
-    const std::uint32_t* const next =
-        sums + (samples - i > kReferenceAhead ? i + kReferenceAhead : i);
+    const std::uint32_t* const next = sums + fetchAhead(i, samples, kDivideAhead);
     _mm_prefetch(next, _MM_HINT_T0);
     _mm_prefetch(next + 16, _MM_HINT_T0);
     const __m256i low = _mm256_packs_epi32(quotients(sums + i, reciprocal, offset),
@@ -120,6 +119,9 @@ void amplifyVectors(const unsigned char* frame, const unsigned char* reference, 
                     unsigned char* out, std::size_t samples) {
   const __m256i zero = _mm256_setzero_si256();
   for (std::size_t i = 0; i < samples; i += kVector) {
+    const std::size_t ahead = fetchAhead(i, samples, kAmplifyAhead);
+    _mm_prefetch(frame + ahead, _MM_HINT_T0);
+    _mm_prefetch(reference + ahead, _MM_HINT_T0);
     const __m256i newest = load(frame + i);
     const __m256i differences = _mm256_subs_epu8(newest, load(reference + i));
     __m256i gains = _mm256_packus_epi16(pointsOf(_mm256_unpacklo_epi8(differences, zero), line),

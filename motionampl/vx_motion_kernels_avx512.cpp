@@ -23,8 +23,7 @@ bool divideVectors(const std::uint32_t* sums, std::uint32_t window, unsigned cha
   const __m512i inOrder = _mm512_setr_epi32(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15);
   __m512i seen = _mm512_setzero_si512();
   for (std::size_t i = 0; i < samples; i += kVector) {
-    const std::uint32_t* const next =
-        sums + (samples - i > kReferenceAhead ? i + kReferenceAhead : i);
+    const std::uint32_t* const next = sums + fetchAhead(i, samples, kDivideAhead);
     for (std::size_t line = 0; line < kVector; line += 16) _mm_prefetch(next + line, _MM_HINT_T0);
     const __m512i low = _mm512_packs_epi32(quotients(sums + i, reciprocal, offset),
                                            quotients(sums + i + 16, reciprocal, offset));
@@ -67,6 +66,9 @@ void amplify(const unsigned char* frame, const unsigned char* reference, const u
   const Gains gains(gain);
   std::size_t i = 0;
   for (; samples - i >= kVector; i += kVector) {
+    const std::size_t ahead = fetchAhead(i, samples, kAmplifyAhead);
+    _mm_prefetch(frame + ahead, _MM_HINT_T0);
+    _mm_prefetch(reference + ahead, _MM_HINT_T0);
     _mm512_storeu_si512(
         out + i, raise(_mm512_loadu_si512(frame + i), _mm512_loadu_si512(reference + i), gains));
   }

@@ -38,6 +38,11 @@ inline void amplifyLoop(const unsigned char* __restrict frame,
   }
 }
 
+/// The index to fetch while at `i`: `distance` further on, as long as there are so many samples.
+inline std::size_t fetchAhead(std::size_t i, std::size_t samples, std::size_t distance) {
+  return samples - i > distance ? i + distance : i;
+}
+
 }  // namespace
 }  // namespace VLM_KPF
 
