@@ -84,3 +84,8 @@ class RecordingTest(unittest.TestCase):
         done = subprocess.run([KPF, *arguments], cwd=self.folder, capture_output=True, text=True,
                               errors="surrogateescape", timeout=60, check=False)
         return done.returncode, done.stdout, done.stderr
+
+    def kpf_bytes(self, *arguments):
+        """The same for output that is no text."""
+        return subprocess.run([KPF, *arguments], cwd=self.folder, capture_output=True, timeout=60,
+                              check=False)

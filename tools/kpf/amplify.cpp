@@ -120,7 +120,6 @@ int runAmplify(const AmplifyOptions& options) {
   const Interrupt interrupt;
   const auto source = openFrames(options.input, Samples::k8Bit);
   const double rate = rateOf(*source, options);
-  const LibraryWords words;
   Amplifier amplifier(*source, options, rate);
   Comparison comparison(source->width(), source->height(), options);
   PictureFormat format{source->width(), source->height(), Samples::k8Bit, rate,
@@ -130,6 +129,7 @@ int runAmplify(const AmplifyOptions& options) {
     format.height = comparison.height();
   }
   const auto output = openOutput(options.output, format);
+  const LibraryWords words;  // from here on standard output is the library's
 
   std::vector<unsigned char> frame(std::size_t{source->width()} * source->height());
   // The window is filled from the frames before the first one that is asked for.

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "tools/kpf/session.h"
 #include "tools/kpf/tool_error.h"
 
 namespace KPF_TOOL {
@@ -78,6 +79,9 @@ void MediaInput::openFile() {
     device = av_find_input_format("v4l2");
   }
   const std::string url = name_ == "-" ? "pipe:0" : name_;
+  // A wait for a camera or a pipe ends when the user wants to stop.
+  format_ = avformat_alloc_context();
+  format_->interrupt_callback.callback = [](void*) { return Interrupt::requested() ? 1 : 0; };
   const int result = avformat_open_input(&format_, url.c_str(), device, nullptr);
   if (result < 0) {
     throw ToolError(kWrongOrUnreadable,

@@ -1,0 +1,200 @@
+"""kpf record: bytes on disk, exact output and exit codes."""
+import contextlib
+import os
+import shutil
+import signal
+import struct
+import subprocess
+import unittest
+
+from recordings import KPF
+from videos import VideoTest, y4m
+
+
+def pack12(samples):
+    """Two left-justified 16-bit samples in three bytes."""
+    out = bytearray()
+    for a, b in zip(samples[::2], samples[1::2]):
+        out += bytes([a >> 8, (b & 0xF0) | (a >> 4 & 0x0F), b >> 8])
+    return bytes(out)
+
+
+def stamp(number, rate=25):
+    """The frame header, its time computed in doubles as the library does."""
+    time = 1700000000.0 + 1.0 / rate * number
+    return struct.pack("<IqI", number, int(time), int((time - int(time)) * 1000000))
+
+
+class Record(VideoTest):
+    def refused(self, what, *arguments):
+        code, out, err = self.kpf("record", *arguments)
+        self.assertEqual((code, out), (2, ""))
+        self.assertIn(what, err)
+        return err
+
+    def test_eight_bits(self):
+        out = self.record("eight.y4m", "out.kpf")
+        self.assertEqual(out, "./out.kpf: 5 frames recorded, 0 placeholders\n")
+        data = self.read("out/out_0001.div")
+        self.assertEqual(data[16:40], bytes(self.eight[0]))
+        self.assertEqual([data[40 * n + 16:40 * n + 40] for n in range(5)],
+                         [bytes(frame) for frame in self.eight])
+        self.assertEqual(data[40:56], stamp(1))
+        self.assertEqual(self.kpf("verify", "out.kpf")[0], 0)
+
+    def test_twelve_bits_of_sixteen(self):
+        self.record("sixteen.y4m", "out.kpf", "--bits", "12")
+        data = self.read("out/out_0001.div")
+        self.assertEqual([data[52 * n + 16:52 * n + 52] for n in range(5)],
+                         [pack12(frame) for frame in self.sixteen])
+
+    def test_eight_bits_of_sixteen_are_the_upper_ones(self):
+        self.record("sixteen.y4m", "out.kpf")
+        self.assertEqual(self.read("out/out_0001.div")[16:40],
+                         bytes(sample >> 8 for sample in self.sixteen[0]))
+
+    def test_twelve_bits_of_eight(self):
+        self.record("eight.y4m", "out.kpf", "--bits", "12")
+        self.assertEqual(self.read("out/out_0001.div")[16:52],
+                         pack12([sample << 8 for sample in self.eight[0]]))
+
+    def test_rows_of_every_width(self):
+        for width in range(1, 10):
+            frame = [(3 * i + width) % 256 for i in range(width * 3)]
+            self.write("w.y4m", y4m([frame], width, 3))
+            self.record("w.y4m", "w.kpf", "--force")
+            self.assertEqual(self.read("w/w_0001.div")[16:], bytes(frame))
+
+    def test_texts_and_rate_and_start(self):
+        code, _, err = self.kpf("record", "eight.y4m", "out.kpf", "--text", "one", "--note", "two",
+                                "--rate", "50", "--start", "2023-11-14T22:13:20.5Z")
+        self.assertEqual((code, err), (0, ""))
+        header = self.read("out.kpf")
+        self.assertEqual(header[5:9], b"one\0")
+        self.assertEqual(header[324:328], b"two\0")
+        self.assertEqual(header[184:192], struct.pack("<d", 50.0))
+        self.assertEqual(self.read("out/out_0001.div")[:16],
+                         struct.pack("<IqI", 0, 1700000000, 500000))
+
+    def test_fewer_frames(self):
+        out = self.record("eight.y4m", "out.kpf", "--frames", "2")
+        self.assertEqual(out, "./out.kpf: 2 frames recorded, 0 placeholders\n")
+        self.assertEqual(len(self.read("out/out_0001.div")), 80)
+
+    def test_input_that_ends_early(self):
+        code, out, err = self.kpf("record", "eight.y4m", "out.kpf", "--frames", "9")
+        self.assertEqual((code, out), (1, ""))
+        self.assertIn("./out.kpf: 5 of 9 frames are on disk: the input ended early\n", err)
+        self.assertTrue(os.path.exists(self.path("out.kpf.incomplete.txt")))
+
+    def test_standard_input(self):
+        done = subprocess.run([KPF, "record", "-", "out.kpf", "--frames", "5", *self.start],
+                              cwd=self.folder, input=self.read("eight.y4m"), capture_output=True,
+                              timeout=60, check=False)
+        self.assertEqual((done.returncode, done.stderr), (0, b""))
+        self.assertEqual(len(self.read("out/out_0001.div")), 200)
+
+    def test_standard_input_needs_a_number_of_frames(self):
+        done = subprocess.run([KPF, "record", "-", "out.kpf"], cwd=self.folder,
+                              input=self.read("eight.y4m"), capture_output=True, timeout=60,
+                              check=False)
+        self.assertEqual(done.returncode, 2)
+        self.assertIn(b"--frames", done.stderr)
+
+    def test_interrupt_closes_properly(self):
+        with subprocess.Popen([KPF, "record", "-", "out.kpf", "--frames", "100", *self.start],
+                              cwd=self.folder, stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE) as process:
+            frame = b"FRAME\n" + bytes(64 * 64)
+            process.stdin.write(b"YUV4MPEG2 W64 H64 F25:1 Ip A1:1 Cmono\n" + frame * 60)
+            process.stdin.flush()
+            while not os.path.exists(self.path("out/out_0001.div")):
+                self.assertIsNone(process.poll())
+            process.send_signal(signal.SIGINT)
+            out, err = process.communicate(timeout=60)
+        self.assertEqual((process.returncode, out), (1, b""))
+        self.assertIn(b"interrupted", err)
+        self.assertTrue(os.path.exists(self.path("out.kpf.incomplete.txt")))
+        self.assertEqual(os.path.getsize(self.path("out/out_0001.div")) % (16 + 64 * 64), 0)
+
+    def test_another_recording_is_not_overwritten(self):
+        before = self.read("clip/clip_0001.div")
+        err = self.refused("is there already", "eight.y4m", "clip.kpf")
+        self.assertIn("--force", err)
+        self.assertEqual(self.read("clip/clip_0001.div"), before)
+
+    def test_force_removes_what_belonged_to_the_older_one(self):
+        self.split()
+        self.write("clip.kpf.incomplete.txt", b"old")
+        self.write("clip/notes.txt", b"kept")
+        self.record("eight.y4m", "clip.kpf", "--force")
+        self.assertEqual(sorted(os.listdir(self.path("clip"))), ["clip_0001.div", "notes.txt"])
+        self.assertFalse(os.path.exists(self.path("clip.kpf.incomplete.txt")))
+
+    def test_failed_input_leaves_an_older_recording_alone(self):
+        self.refused("cannot open", "missing.avi", "clip.kpf", "--force")
+        self.assertEqual(self.kpf("verify", "clip.kpf")[0], 0)
+
+    def test_bad_arguments(self):
+        self.refused("cannot open missing.avi", "missing.avi", "out.kpf")
+        self.write("noise.avi", b"this is no video")
+        self.refused("noise.avi", "noise.avi", "out.kpf")
+        self.refused("has no extension", "eight.y4m", "out")
+        self.refused("has no extension", "eight.y4m", ".kpf")
+        self.refused("is not a time", "eight.y4m", "out.kpf", "--start", "yesterday")
+        self.refused("is not a time", "eight.y4m", "out.kpf", "--start", "2026-02-30T00:00:00")
+        self.refused("--bits", "eight.y4m", "out.kpf", "--bits", "10")
+        self.refused("OUT", "eight.y4m")
+        self.refused("Make the folder first", "eight.y4m", "missing/out.kpf")
+        self.assertFalse(os.path.exists(self.path("out.kpf")))
+
+    def test_recording_that_does_not_fit_the_disk_is_not_begun(self):
+        if shutil.disk_usage(self.folder).free > 4294967295 * 52:
+            self.skipTest("the disk is too large to be too small")
+        self.refused("the disk has room for", "eight.y4m", "out.kpf", "--frames", "4294967295",
+                     "--bits", "12")
+        self.assertFalse(os.path.exists(self.path("out.kpf")))
+
+    @unittest.skipUnless(hasattr(os, "geteuid") and os.geteuid() == 0, "only root may mount")
+    def test_disk_that_fills_up_is_an_error(self):
+        disk = self.path("disk")
+        os.mkdir(disk)
+        if subprocess.run(["mount", "-t", "tmpfs", "-o", "size=64k", "tmpfs", disk],
+                          stderr=subprocess.DEVNULL, check=False).returncode != 0:
+            self.skipTest("no mounting here")
+        self.addCleanup(subprocess.run, ["umount", disk], check=True)
+        frames = [[n] * 4096 for n in range(10)]
+        self.write("large.y4m", y4m(frames, 64, 64))
+        with subprocess.Popen([KPF, "record", "-", "disk/out.kpf", "--frames", "10"],
+                              cwd=self.folder, stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE) as process:
+            video = self.read("large.y4m")
+            process.stdin.write(video[:20000])
+            process.stdin.flush()
+            while not os.path.exists(self.path("disk/out/out_0001.div")):
+                self.assertIsNone(process.poll())
+            with contextlib.suppress(OSError):  # takes the room that was there at the beginning
+                self.write("disk/in_the_way", bytes(65536))
+            out, err = process.communicate(video[20000:], timeout=60)
+        self.assertEqual((process.returncode, out), (1, b""))
+        self.assertIn(b"is the disk full?", err)
+        self.assertIn(b"queueFrame: io stream write failed.", err)
+        self.assertEqual(self.kpf("verify", "disk/out.kpf")[0], 1)
+
+    @unittest.skipUnless(shutil.which("ffmpeg"), "needs ffmpeg to drop a frame")
+    def test_gaps_are_filled_where_time_stamps_skip(self):
+        subprocess.run(["ffmpeg", "-v", "error", "-i", "eight.y4m", "-vf", "select=not(eq(n\\,2))",
+                        "-vsync", "passthrough", "-c:v", "ffv1", "gap.mkv"], cwd=self.folder,
+                       check=True, stdin=subprocess.DEVNULL)
+        out = self.record("gap.mkv", "gap.kpf", "--fill-gaps", "--rate", "25")
+        self.assertEqual(out, "./gap.kpf: 5 frames recorded, 1 placeholder\n")
+        data = self.read("gap/gap_0001.div")
+        self.assertEqual(data[80:120], bytes(40))
+        self.assertEqual(data[120:136], stamp(3))
+        self.assertEqual(data[136:160], bytes(self.eight[3]))
+        out = self.record("gap.mkv", "closed.kpf", "--rate", "25")
+        self.assertEqual(out, "./closed.kpf: 4 frames recorded, 0 placeholders\n")
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,38 @@
+"""Videos made by hand: YUV4MPEG2 files of grey frames."""
+import struct
+
+from recordings import RecordingTest
+
+
+def y4m(frames, width, height, rate=25, bits=8):
+    """The file of frames given as lists of samples."""
+    colour = "mono" if bits == 8 else "mono16"
+    head = "YUV4MPEG2 W%d H%d F%d:1 Ip A1:1 C%s\n" % (width, height, rate, colour)
+    code = "<%d%s" % (width * height, "B" if bits == 8 else "H")
+    return head.encode() + b"".join(b"FRAME\n" + struct.pack(code, *frame) for frame in frames)
+
+
+def ramp(number, count, step=1, limit=256):
+    return [(number * 7 + i * step) % limit for i in range(count)]
+
+
+class VideoTest(RecordingTest):
+    """Starts from five frames of 6 x 4 pixels in eight.y4m and in sixteen.y4m."""
+
+    start = ("--start", "1700000000")
+
+    def setUp(self):
+        super().setUp()
+        self.eight = [ramp(n, 24) for n in range(5)]
+        self.sixteen = [ramp(n, 24, step=16 * 171, limit=65536) for n in range(5)]
+        self.write("eight.y4m", y4m(self.eight, 6, 4))
+        self.write("sixteen.y4m", y4m(self.sixteen, 6, 4, bits=16))
+
+    def read(self, name):
+        with open(self.path(name), "rb") as file:
+            return file.read()
+
+    def record(self, *arguments):
+        code, out, err = self.kpf("record", *arguments, *self.start)
+        self.assertEqual((code, err), (0, ""), out)
+        return out
