@@ -10,6 +10,7 @@ endif()
 set(VLM_AVX2_OPTIONS -mavx2 -mfma)
 # GCC 12 takes the undefined registers in its own AVX-512 header for a mistake of its user.
 set(VLM_AVX512_OPTIONS -mavx512f -mavx512bw -mavx512vl -mavx512dq -mavx512vbmi
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-uninitialized>
   $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
 
 function(vlm_add_kernels target stem)

@@ -53,6 +53,7 @@ class ImagePacker {
     for (; count > 0; ++row, position = 0) {
       const std::size_t run = std::min(count, rows_.itemsPerRow - position);
       packRun(row, position, run);
+      if (!eightBit_ && position + run == rows_.itemsPerRow) clearBehind(row);
       count -= run;
     }
   }
@@ -68,6 +69,12 @@ class ImagePacker {
     } else {
       packKernels().packPairs(in, packed_ + (row * width_ + 2 * position) * 3 / 2, count);
     }
+  }
+
+  // The byte or two that the last pixel of an odd row would have shared with the next row.
+  void clearBehind(std::size_t row) const {
+    const std::size_t end = row * width_ * 3 / 2 + rows_.itemsPerRow * 3;
+    std::fill(packed_ + end, packed_ + (row + 1) * width_ * 3 / 2, static_cast<unsigned char>(0));
   }
 
   const unsigned char* image_;
@@ -128,11 +135,11 @@ void VxKPFPacked::setTiffImageData(const unsigned char* image, unsigned widthIn,
   if (image == nullptr || (rows.inStride != 0 && height > kAddressable / rows.inStride)) return;
 
   packedData = framePixels.allocate(packedSize);
-  // Bytes that a dropped last pixel leaves out stay zero; everything else is about to be written.
-  const bool dropsPixels = bitsPerPixel != 8 && width % 2 != 0;
-  if (dropsPixels) std::memset(packedData.get(), 0, packedSize);
   const std::size_t pixels = std::size_t{width} * height;
-  if (rows.itemsPerRow == 0) return;
+  if (rows.itemsPerRow == 0) {
+    std::memset(packedData.get(), 0, packedSize);  // rows of one pixel, the dropped one, or none
+    return;
+  }
   packOnTeam(ImagePacker(image, packedData.get(), width, bitsPerPixel), rows.itemsPerRow * height,
              pixels >= kParallelPixels);
 }

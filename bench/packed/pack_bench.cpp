@@ -1,5 +1,6 @@
-// Packing a frame: the kernels alone, and whole frames with their memory.
+// Packing a frame: into ready memory, and whole with its allocation.
 #include <memory>
+#include <vector>
 
 #include "bench/support/jobs.h"
 #include "packed/vx_kpf_packed.h"
@@ -11,25 +12,48 @@ namespace {
 using VX_KPF_PACKED::VxKPFPacked;
 
 /// Bytes read and written: two a pixel in, one and a half out.
-std::size_t movedBy12Bits(FrameSize size) { return size.pixels() * 7 / 2; }
+std::size_t movedAt12Bits(FrameSize size) { return size.pixels() * 7 / 2; }
+
+/// Rows of an odd width lose their last pixel and have two bytes of padding.
+FrameSize oddOf(FrameSize size) { return {size.width - 1, size.height}; }
 
 Job packJob(FrameSize size) {
-  const std::size_t moved = movedBy12Bits(size);
+  const std::size_t moved = movedAt12Bits(size);
   auto in = std::make_shared<BufferRing>(size.pixels() * 2, moved);
   auto out = std::make_shared<BufferRing>(size.pixels() * 3 / 2, moved);
   return
       [=] { VX_KPF_PACKED::packKernels().packPairs(in->next(), out->next(), size.pixels() / 2); };
 }
 
-Job frameJob(FrameSize size, int bitsPerPixel, std::size_t imageSize, std::size_t moved) {
-  auto in = std::make_shared<BufferRing>(imageSize, moved);
+std::size_t imageSize(FrameSize size, int bitsPerPixel) {
+  const std::size_t sampleSize = bitsPerPixel == 8 ? 1 : 2;
+  return (size.width * sampleSize + 3) / 4 * 4 * size.height;
+}
+
+/// A frame and its memory, new every time as the stream functions have it.
+Job newFrameJob(FrameSize size, int bitsPerPixel, std::size_t moved) {
+  auto in = std::make_shared<BufferRing>(imageSize(size, bitsPerPixel), moved);
   return [=] { VxKPFPacked().setTiffImageData(in->next(), size.width, size.height, bitsPerPixel); };
 }
 
+/// Frames that take turns, each with its memory: releasing and taking it again is all they do.
+Job readyFrameJob(FrameSize size, int bitsPerPixel, std::size_t moved) {
+  auto in = std::make_shared<BufferRing>(imageSize(size, bitsPerPixel), moved);
+  auto frames = std::make_shared<std::vector<VxKPFPacked>>(roundsFor(moved));
+  return [=, at = std::size_t{0}]() mutable {
+    VxKPFPacked& frame = (*frames)[at++ % frames->size()];
+    frame.setTiffImageData(in->next(), size.width, size.height, bitsPerPixel);
+  };
+}
+
 void addJobsOf(FrameSize size) {
-  const std::size_t moved = movedBy12Bits(size);
+  const FrameSize odd = oddOf(size);
+  const std::size_t moved = movedAt12Bits(size);
   addJob("pack12", size, moved, [=] { return packJob(size); });
-  addJob("frame12", size, moved, [=] { return frameJob(size, 12, size.pixels() * 2, moved); });
+  addJob("pack12-odd", odd, movedAt12Bits(odd),
+         [=] { return readyFrameJob(odd, 12, movedAt12Bits(odd)); });
+  addJob("frame12", size, moved, [=] { return newFrameJob(size, 12, moved); });
+  addJob("rows8", odd, 2 * odd.pixels(), [=] { return readyFrameJob(odd, 8, 2 * odd.pixels()); });
 }
 
 }  // namespace

@@ -40,8 +40,10 @@ Bytes randomBytes(std::size_t size, unsigned seed) {
   return bytes;
 }
 
+std::size_t roundsFor(std::size_t bytesMoved) { return 2 + kSetSize / (bytesMoved + 1); }
+
 BufferRing::BufferRing(std::size_t size, std::size_t bytesMoved)
-    : buffers_(2 + kSetSize / (bytesMoved + 1), randomBytes(size)) {}
+    : buffers_(roundsFor(bytesMoved), randomBytes(size)) {}
 
 unsigned char* BufferRing::next() {
   at_ = (at_ + 1) % buffers_.size();

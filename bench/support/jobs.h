@@ -23,9 +23,11 @@ using Bytes = std::vector<unsigned char>;
 /// `size` bytes that no predictor learns, the same for the same seed.
 Bytes randomBytes(std::size_t size, unsigned seed = 1);
 
-/**
- * Buffers of one size that take turns, so that none is still in a cache when it is used again.
- */
+/// How many buffers must take turns for a job that moves so many bytes, so that none is still in a
+/// cache when it is used again.
+std::size_t roundsFor(std::size_t bytesMoved);
+
+/// Buffers of one size that take turns.
 class BufferRing {
  public:
   /// @param bytesMoved what a round reads and writes in all its rings: the more, the fewer rounds.
