@@ -65,9 +65,9 @@ class ImagePacker {
   void packRun(std::size_t row, std::size_t position, std::size_t count) const {
     const unsigned char* in = image_ + row * rows_.inStride + position * rows_.itemBytes;
     if (eightBit_) {
-      std::memcpy(packed_ + row * width_ + position, in, count);
+      kernels_.copyRow(in, packed_ + row * width_ + position, count);
     } else {
-      packKernels().packPairs(in, packed_ + (row * width_ + 2 * position) * 3 / 2, count);
+      kernels_.packPairs(in, packed_ + (row * width_ + 2 * position) * 3 / 2, count);
     }
   }
 
@@ -77,6 +77,7 @@ class ImagePacker {
     std::fill(packed_ + end, packed_ + (row + 1) * width_ * 3 / 2, static_cast<unsigned char>(0));
   }
 
+  const PackKernels& kernels_ = packKernels();
   const unsigned char* image_;
   unsigned char* packed_;
   std::size_t width_;

@@ -1,12 +1,18 @@
 #include "packed/vx_pack_kernels.h"
 
+#include <cstring>
+
 #include "cpu/kernel_choice.h"
 #include "packed/vx_pack_kernels_isa.h"
 
 namespace VX_KPF_PACKED {
 namespace {
 
-constexpr PackKernels kPlain{packPairsPlain};
+void copyRow(const unsigned char* in, unsigned char* out, std::size_t size) {
+  std::memcpy(out, in, size);
+}
+
+constexpr PackKernels kPlain{packPairsPlain, copyRow};
 
 #ifdef VLM_X86_KERNELS
 constinit CPU::KernelChoice<PackKernels> choice(&kPlain, &kPackKernelsAvx2, &kPackKernelsAvx512);

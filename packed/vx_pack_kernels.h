@@ -1,4 +1,4 @@
-// The inner loops of 12-bit packing, one set for every instruction set that they are written for.
+// The inner loops of packing, one set for every instruction set that they are written for.
 #ifndef VX_PACK_KERNELS_H
 #define VX_PACK_KERNELS_H
 
@@ -20,6 +20,9 @@ struct PackKernels {
    * aligned; the buffers do not overlap, and nothing beyond the pairs is read or written.
    */
   void (*packPairs)(const unsigned char* in, unsigned char* out, std::size_t pairs);
+
+  /// Copies the `size` bytes of a row. The buffers do not overlap.
+  void (*copyRow)(const unsigned char* in, unsigned char* out, std::size_t size);
 };
 
 /// The set in use: the fastest that this processor runs, unless another was forced.

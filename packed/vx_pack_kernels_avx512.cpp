@@ -23,6 +23,11 @@ __m256i pack(__m256i pairs) {
   return _mm256_permutexvar_epi8(triples, joined);
 }
 
+void pack8(const unsigned char* in, unsigned char* out) {
+  const __m256i loaded = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in));
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), pack(loaded));
+}
+
 void packUpTo8(const unsigned char* in, unsigned char* out, std::size_t pairs) {
   const auto samples = static_cast<__mmask8>((1U << pairs) - 1);
   const auto bytes = static_cast<__mmask32>((1U << 3 * pairs) - 1);
@@ -31,21 +36,19 @@ void packUpTo8(const unsigned char* in, unsigned char* out, std::size_t pairs) {
 
 // A whole store reaches past its pairs, into what the next one writes.
 void packPairs(const unsigned char* in, unsigned char* out, std::size_t pairs) {
-  for (; pairs >= kStored; pairs -= kPairs, in += 4 * kPairs, out += 3 * kPairs) {
-    const __m256i loaded = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in));
-    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), pack(loaded));
+  constexpr std::size_t kUnrolled = 4;  // a few hundredths faster than one by one
+  for (; pairs >= (kUnrolled - 1) * kPairs + kStored; pairs -= kUnrolled * kPairs) {
+    for (std::size_t i = 0; i < kUnrolled; ++i, in += 4 * kPairs, out += 3 * kPairs) pack8(in, out);
   }
-  if (pairs > kPairs) {
+  for (; pairs >= kStored; pairs -= kPairs, in += 4 * kPairs, out += 3 * kPairs) pack8(in, out);
+  for (; pairs > kPairs; pairs -= kPairs, in += 4 * kPairs, out += 3 * kPairs) {
     packUpTo8(in, out, kPairs);
-    pairs -= kPairs;
-    in += 4 * kPairs;
-    out += 3 * kPairs;
   }
   packUpTo8(in, out, pairs);
 }
 
 }  // namespace
 
-const PackKernels kPackKernelsAvx512{packPairs};
+const PackKernels kPackKernelsAvx512{packPairs, copyRowAvx2};
 
 }  // namespace VX_KPF_PACKED

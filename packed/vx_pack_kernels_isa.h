@@ -11,6 +11,9 @@ extern const PackKernels kPackKernelsAvx512;
 
 void packPairsPlain(const unsigned char* in, unsigned char* out, std::size_t pairs);
 
+/// The set with the wider registers copies no faster, and takes this one.
+void copyRowAvx2(const unsigned char* in, unsigned char* out, std::size_t size);
+
 }  // namespace VX_KPF_PACKED
 
 #endif

@@ -22,6 +22,11 @@ __m256i unpack(__m256i triples) {
   return _mm256_ternarylogic_epi32(moved, bytes, keptOfBytes, kFirstOrBothOthers);
 }
 
+void unpack8(const unsigned char* in, std::uint16_t* out) {
+  const __m256i loaded = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in));
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), unpack(loaded));
+}
+
 void unpackUpTo8(const unsigned char* in, std::uint16_t* out, std::size_t pairs) {
   const auto bytes = static_cast<__mmask32>((1U << 3 * pairs) - 1);
   const auto samples = static_cast<__mmask8>((1U << pairs) - 1);
@@ -29,15 +34,14 @@ void unpackUpTo8(const unsigned char* in, std::uint16_t* out, std::size_t pairs)
 }
 
 void unpackPairs(const unsigned char* in, std::uint16_t* out, std::size_t pairs) {
-  for (; pairs >= kLoaded; pairs -= kPairs, in += 3 * kPairs, out += 2 * kPairs) {
-    const __m256i loaded = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in));
-    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), unpack(loaded));
+  constexpr std::size_t kUnrolled = 4;  // a few hundredths faster than one by one
+  for (; pairs >= (kUnrolled - 1) * kPairs + kLoaded; pairs -= kUnrolled * kPairs) {
+    for (std::size_t i = 0; i < kUnrolled; ++i, in += 3 * kPairs, out += 2 * kPairs)
+      unpack8(in, out);
   }
-  if (pairs > kPairs) {
+  for (; pairs >= kLoaded; pairs -= kPairs, in += 3 * kPairs, out += 2 * kPairs) unpack8(in, out);
+  for (; pairs > kPairs; pairs -= kPairs, in += 3 * kPairs, out += 2 * kPairs) {
     unpackUpTo8(in, out, kPairs);
-    pairs -= kPairs;
-    in += 3 * kPairs;
-    out += 2 * kPairs;
   }
   unpackUpTo8(in, out, pairs);
 }

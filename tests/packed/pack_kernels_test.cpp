@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <string>
 
@@ -55,6 +56,18 @@ TEST_P(PackKernelsOf, AllPackAsThePlainLoopDoes) {
     plain.packPairs(in.data() + offset, expected.data() + kGuard + offset, pairs);
     kernels->packPairs(in.data() + offset, out.data() + kGuard + offset, pairs);
     ASSERT_TRUE(out == expected) << pairs << " pairs, offset " << offset;
+  });
+}
+
+TEST_P(PackKernelsOf, RowsAreCopiedAndNothingElse) {
+  TEST_SUPPORT::forKernelInputs([&](std::size_t size, std::size_t offset, const Source& source) {
+    const auto in = TEST_SUPPORT::filled<unsigned char>(size + offset, source);
+    Bytes out(kGuard + offset + size + kGuard, 0xA5);
+    Bytes expected = out;
+    std::copy(in.begin() + static_cast<std::ptrdiff_t>(offset), in.end(),
+              expected.begin() + static_cast<std::ptrdiff_t>(kGuard + offset));
+    kernels->copyRow(in.data() + offset, out.data() + kGuard + offset, size);
+    ASSERT_TRUE(out == expected) << size << " bytes, offset " << offset;
   });
 }
 
