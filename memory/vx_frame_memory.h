@@ -27,7 +27,7 @@ using FrameMemory = std::unique_ptr<unsigned char[], FrameMemoryRelease>;
  */
 class SpareFrame {
  public:
-  constexpr SpareFrame() = default;
+  SpareFrame() = default;
   ~SpareFrame() { ::operator delete(memory_); }
   SpareFrame(const SpareFrame&) = delete;
   SpareFrame& operator=(const SpareFrame&) = delete;

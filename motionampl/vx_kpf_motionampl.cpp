@@ -24,7 +24,7 @@ constexpr unsigned kLevel = 7;  // of every line that the amplifier logs
 // cores.
 constexpr std::size_t kParallelSamples = std::size_t{64} << 10;
 
-constinit VX_FRAME_MEMORY::SpareFrame scratch;
+VX_FRAME_MEMORY::SpareFrame scratch;
 
 /// Toward zero; the smallest number for everything that 32 bits do not hold.
 std::int32_t truncate(double value) {

@@ -11,7 +11,7 @@ using VX_FRAME_MEMORY::SpareFrame;
 
 constexpr std::size_t kLarge = 3 << 20;  // bytes, far above what an allocator keeps to itself
 
-constinit SpareFrame frames;
+SpareFrame frames;
 
 TEST(FrameMemory, NoBytesAreStillAnArray) { EXPECT_NE(frames.allocate(0), nullptr); }
 

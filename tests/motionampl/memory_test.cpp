@@ -1,55 +1,10 @@
-// Who owns a frame, and what is left when memory runs out. Every allocation of this program passes
-// through the operators below.
-#include <cstdlib>
-#include <new>
+// Who owns a frame, and what is left when memory runs out.
+#include <memory>
+#include <stdexcept>
 
 #include "tests/motionampl/frames.h"
+#include "tests/motionampl/watched_memory.h"
 #include "tests/support/library_test.h"
-
-namespace {
-
-bool refusing = false;          // every allocation fails
-const void* watched = nullptr;  // a block whose release is counted
-int watchedReleases = 0;        // by the plain, unsized form
-int watchedOtherReleases = 0;   // by any other
-
-void released(const void* block, int& count) {
-  if (block != nullptr && block == watched) ++count;
-}
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-  void* const block = refusing ? nullptr : std::malloc(size == 0 ? 1 : size);
-  if (block == nullptr) throw std::bad_alloc();
-  return block;
-}
-
-void* operator new[](std::size_t size) { return operator new(size); }
-
-void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
-  return refusing ? nullptr : std::malloc(size == 0 ? 1 : size);
-}
-
-void operator delete(void* block) noexcept {
-  released(block, watchedReleases);
-  std::free(block);
-}
-
-void operator delete(void* block, std::size_t /*size*/) noexcept {
-  released(block, watchedOtherReleases);
-  std::free(block);
-}
-
-void operator delete[](void* block) noexcept {
-  released(block, watchedOtherReleases);
-  std::free(block);
-}
-
-void operator delete[](void* block, std::size_t /*size*/) noexcept {
-  released(block, watchedOtherReleases);
-  std::free(block);
-}
 
 namespace {
 
@@ -58,30 +13,28 @@ using VLM_KPF::VxKPFMotionAmpl;
 
 /// Memory is out for as long as it lives.
 struct OutOfMemory {
-  OutOfMemory() { refusing = true; }
-  ~OutOfMemory() { refusing = false; }
+  OutOfMemory() { watchedMemory.refusing = true; }
+  ~OutOfMemory() { watchedMemory.refusing = false; }
 };
 
 class FrameOwnership : public TEST_SUPPORT::LibraryTest {
  protected:
   FrameOwnership() {
-    watched = nullptr;
-    watchedReleases = 0;
-    watchedOtherReleases = 0;
+    watchedMemory = {};
     amplifier->setParameters(25.0, 20.0, 2, 1, 3.0);
   }
-  ~FrameOwnership() override { watched = nullptr; }
+  ~FrameOwnership() override { watchedMemory.block = nullptr; }
 
   void addWatched() {
     unsigned char* const frame = newFrame({10, 200});
-    watched = frame;
+    watchedMemory.block = frame;
     amplifier->addFrame(frame);
   }
 
   void expectReleasedOnce() {
-    EXPECT_EQ(watchedReleases, 1);
-    EXPECT_EQ(watchedOtherReleases, 0);
-    watched = nullptr;
+    EXPECT_EQ(watchedMemory.releases, 1);
+    EXPECT_EQ(watchedMemory.otherReleases, 0);
+    watchedMemory.block = nullptr;
   }
 
   std::unique_ptr<VxKPFMotionAmpl> amplifier = std::make_unique<VxKPFMotionAmpl>();
@@ -89,9 +42,9 @@ class FrameOwnership : public TEST_SUPPORT::LibraryTest {
 
 TEST_F(FrameOwnership, FrameIsKeptItselfUntilItLeavesTheWindow) {
   addWatched();
-  EXPECT_EQ(amplifier->frames.front(), watched);
+  EXPECT_EQ(amplifier->frames.front(), watchedMemory.block);
   add(*amplifier, {1, 2});
-  EXPECT_EQ(watchedReleases, 0);
+  EXPECT_EQ(watchedMemory.releases, 0);
   add(*amplifier, {3, 4});
   expectReleasedOnce();
 }
@@ -117,7 +70,7 @@ TEST_F(FrameOwnership, DestructionReleases) {
 TEST_F(FrameOwnership, FailedParametersDoNotRelease) {
   addWatched();
   EXPECT_THROW(amplifier->setParameters(25.0, 20.0, -2, 1, 3.0), std::length_error);
-  EXPECT_EQ(watchedReleases, 0);
+  EXPECT_EQ(watchedMemory.releases, 0);
 }
 
 TEST_F(FrameOwnership, ParametersWithoutMemoryForTheSumsKeepFramesAndSums) {
@@ -126,7 +79,7 @@ TEST_F(FrameOwnership, ParametersWithoutMemoryForTheSumsKeepFramesAndSums) {
     const OutOfMemory outOfMemory;
     EXPECT_THROW(amplifier->setParameters(30.0, 10.0, 2, 1, 5.0), std::bad_alloc);
   }
-  EXPECT_EQ(watchedReleases, 0);
+  EXPECT_EQ(watchedMemory.releases, 0);
   EXPECT_EQ(amplifier->refWindowSize, 9);
   EXPECT_EQ(amplifier->ampFactor, 5.0);
   EXPECT_EQ(*amplifier->summer, (std::vector<std::uint32_t>{10, 200}));
@@ -155,8 +108,8 @@ TEST_F(FrameOwnership, FrameThatTheQueueHasNoRoomForStaysTheCallers) {
 }
 
 TEST_F(FrameOwnership, AmplifyingWithoutMemoryThrowsAndChangesNothing) {
-  amplifier->setParameters(25.0, 20.0, 1024, 1024, 3.0);
-  const Samples frame(1024 * 1024, 90);
+  amplifier->setParameters(25.0, 20.0, 64, 64, 3.0);  // too small for a spare block
+  const Samples frame(64 * 64, 90);
   add(*amplifier, frame);
   add(*amplifier, frame);
   Samples out(frame.size(), 77);
