@@ -1,5 +1,8 @@
 // Packing a frame: into ready memory, and whole with its allocation.
+#include <omp.h>
+
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "bench/support/jobs.h"
@@ -36,6 +39,15 @@ Job newFrameJob(FrameSize size, int bitsPerPixel, std::size_t moved) {
   return [=] { VxKPFPacked().setTiffImageData(in->next(), size.width, size.height, bitsPerPixel); };
 }
 
+Job teamJob(FrameSize size, int threads) {
+  const Job job = newFrameJob(size, 12, movedAt12Bits(size));
+  return [=] {
+    omp_set_num_threads(threads);
+    job();
+    omp_set_num_threads(1);
+  };
+}
+
 /// Frames that take turns, each with its memory: releasing and taking it again is all they do.
 Job readyFrameJob(FrameSize size, int bitsPerPixel, std::size_t moved) {
   auto in = std::make_shared<BufferRing>(imageSize(size, bitsPerPixel), moved);
@@ -60,6 +72,11 @@ void addJobsOf(FrameSize size) {
 
 void addJobs() {
   for (const FrameSize size : kFrameSizes) addJobsOf(size);
+  constexpr FrameSize kLarge{4096, 3072};
+  for (const int threads : {1, 2}) {
+    addLoneJob("frame12/threads=" + std::to_string(threads), kLarge, movedAt12Bits(kLarge),
+               [=] { return teamJob(kLarge, threads); });
+  }
 }
 
 }  // namespace BENCH

@@ -2,6 +2,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <chrono>
 #include <cstring>
 #include <memory>
 #include <random>
@@ -26,6 +27,10 @@ void measure(benchmark::State& state, std::size_t bytesMoved, const std::functio
     benchmark::ClobberMemory();
   }
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(bytesMoved));
+}
+
+std::string fullName(const std::string& name, FrameSize size) {
+  return name + "/" + std::to_string(size.width) + "x" + std::to_string(size.height);
 }
 
 Job copyJob(std::size_t bytesMoved) {
@@ -54,12 +59,30 @@ unsigned char* BufferRing::next() {
 
 void addLoneJob(const std::string& name, FrameSize size, std::size_t bytesMoved,
                 std::function<Job()> prepare) {
-  const std::string fullName =
-      name + "/" + std::to_string(size.width) + "x" + std::to_string(size.height);
   benchmark::RegisterBenchmark(
-      fullName.c_str(), [=](benchmark::State& state) { measure(state, bytesMoved, prepare); })
+      fullName(name, size).c_str(),
+      [=](benchmark::State& state) { measure(state, bytesMoved, prepare); })
       ->UseRealTime()
       ->Unit(benchmark::kMicrosecond);
+}
+
+void addTimedJob(const std::string& name, FrameSize size, std::size_t bytesMoved,
+                 std::function<TimedJob()> prepare) {
+  benchmark::RegisterBenchmark(
+      fullName(name, size).c_str(),
+      [=](benchmark::State& state) {
+        const TimedJob job = prepare();
+        for ([[maybe_unused]] auto _ : state) state.SetIterationTime(job());
+        state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(bytesMoved));
+      })
+      ->UseManualTime()
+      ->Unit(benchmark::kMicrosecond);
+}
+
+double secondsOf(const std::function<void()>& work) {
+  const auto begin = std::chrono::steady_clock::now();
+  work();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
 }
 
 void addJob(const std::string& name, FrameSize size, std::size_t bytesMoved,

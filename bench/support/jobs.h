@@ -56,6 +56,16 @@ void addJob(const std::string& name, FrameSize size, std::size_t bytesMoved,
 void addLoneJob(const std::string& name, FrameSize size, std::size_t bytesMoved,
                 std::function<Job()> prepare);
 
+/// Does the work of one frame and says how many seconds of it count.
+using TimedJob = std::function<double()>;
+
+/// A lone job that takes the time itself, to leave out what it has to do between frames.
+void addTimedJob(const std::string& name, FrameSize size, std::size_t bytesMoved,
+                 std::function<TimedJob()> prepare);
+
+/// Seconds that `work` takes.
+double secondsOf(const std::function<void()>& work);
+
 /// Called by `main`; every program defines it and adds its jobs there.
 void addJobs();
 
