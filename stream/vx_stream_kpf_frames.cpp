@@ -77,7 +77,7 @@ bool VxKPFPackedStream::acceptsFrame(const VxKPFPacked* frame) {
   return false;
 }
 
-std::string VxKPFPackedStream::divFileName(unsigned number) const {
+std::filesystem::path VxKPFPackedStream::divFileName(unsigned number) const {
   return fmt::sprintf("%s%s_%04u.div", divFolder, baseName, number);
 }
 
@@ -112,7 +112,7 @@ void VxKPFPackedStream::dropPartialRecord() {
   calcDivFileInfo(seqNum, number, index);
   const std::uintmax_t recordSize = std::uintmax_t{VxKPFPacked::getHeaderSize()} + frameSize;
   const std::uintmax_t whole = index * recordSize;
-  const std::string name = divFileName(number);
+  const std::filesystem::path name = divFileName(number);
   divFile.close();
   std::error_code failed;
   const std::uintmax_t size = std::filesystem::file_size(name, failed);

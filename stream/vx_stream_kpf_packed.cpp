@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <ctime>
-#include <filesystem>
 #include <system_error>
 
 #include "stream/vx_kpf_header.h"
@@ -20,6 +19,10 @@ using VX_LOG::VxLogger;
 
 // No data file grows past this many bytes.
 constexpr unsigned kDivFileLimit = 0x7FFFFFFF;
+
+// Files and folders go by paths alike: on Windows a path and a stream's own name are turned into
+// UTF-16 in two ways, which differ beyond ASCII.
+std::filesystem::path pathOf(const std::string& name) { return name; }
 
 /// `value` cut toward zero. What no 64-bit integer can hold, NaN included, gives 2^63; negative
 /// values give their two's complement.
@@ -192,7 +195,8 @@ bool VxKPFPackedStream::deriveNames(const std::string& name) {
 
 unsigned VxKPFPackedStream::createFiles() {
   const auto log = VxLogger::factory();
-  std::ofstream headerStream(streamName, std::ios::out | std::ios::trunc | std::ios::binary);
+  std::ofstream headerStream(pathOf(streamName),
+                             std::ios::out | std::ios::trunc | std::ios::binary);
   if (!headerStream.is_open()) {
     log->vx_log(4, "%s: Unable to open %s for binary output!", "prepareForWriting",
                 streamName.c_str());
@@ -208,9 +212,9 @@ unsigned VxKPFPackedStream::createFiles() {
 unsigned VxKPFPackedStream::createDivFolder() {
   namespace fs = std::filesystem;
   std::error_code ignored;
-  if (fs::create_directories(divFolder, ignored)) return STREAM_WRITING;
+  if (fs::create_directories(pathOf(divFolder), ignored)) return STREAM_WRITING;
   // What is there already is used as it is; a folder of an earlier run is the common case.
-  if (fs::exists(fs::status(divFolder))) return STREAM_WRITING;
+  if (fs::exists(fs::status(pathOf(divFolder)))) return STREAM_WRITING;
   VxLogger::factory()->vx_log(4, "%s: Unable to create subfolder %s for DIV files!",
                               "prepareForWriting", divFolder.c_str());
   return STREAM_BAD_PATH;
@@ -223,7 +227,7 @@ void VxKPFPackedStream::writeStatusFile() const {
                               "%s: KPF Packed streamStatus is not marked complete.  Writing %s to "
                               "document incomplete status.",
                               "closeStream", name.c_str());
-  std::ofstream file(name, std::ios::out | std::ios::trunc);
+  std::ofstream file(pathOf(name), std::ios::out | std::ios::trunc);
   file << "Packed stream is incomplete and was not fully processed." << std::endl
        << "Please review log data for possible error conditions." << std::endl
        << "Status:" << std::endl;

@@ -2,6 +2,7 @@
 #ifndef VX_STREAM_KPF_PACKED_H
 #define VX_STREAM_KPF_PACKED_H
 
+#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <string>
@@ -114,7 +115,7 @@ class VxKPFPackedStream {
   void writeStatusFile() const;
 
   bool acceptsFrame(const VX_KPF_PACKED::VxKPFPacked* frame);
-  std::string divFileName(unsigned number) const;
+  std::filesystem::path divFileName(unsigned number) const;
   void switchDivFile();
   void writeRecord(const VX_KPF_PACKED::VxKPFPacked& frame);
   void dropPartialRecord();

@@ -1,6 +1,8 @@
 # Builds the caller's project against an installed package and runs it.
 #
-# -D PREFIX=     where the package lies; -D INSTALL_FROM= a build folder to install there first
+# -D PREFIX=     where the package lies
+# -D BUILD=      a build folder to take the package from: installed in PREFIX or, with
+# -D GENERATOR=  of cpack, packed and unpacked there
 # -D FOLDER=     where to build and record
 # -D SOURCE=     this folder
 # -D CONFIGURE=  further arguments for CMake, as a list
@@ -18,9 +20,24 @@ function(run)
   endif()
 endfunction()
 
-if(INSTALL_FROM)
-  file(REMOVE_RECURSE ${PREFIX})
-  run(${CMAKE_COMMAND} --install ${INSTALL_FROM} --prefix ${PREFIX})
+file(REMOVE_RECURSE ${PREFIX})
+if(NOT GENERATOR)
+  run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${PREFIX})
+else()
+  set(packages ${FOLDER}/packages)
+  run(${CPACK} -G ${GENERATOR} --config ${BUILD}/CPackConfig.cmake -B ${packages})
+  file(GLOB package ${packages}/*.zip ${packages}/*.tar.gz ${packages}/*.deb)
+  file(MAKE_DIRECTORY ${FOLDER}/unpacked)
+  if(GENERATOR STREQUAL "DEB")
+    run(dpkg-deb -x ${package} ${FOLDER}/unpacked)
+    set(PREFIX ${FOLDER}/unpacked/usr)
+  else()
+    file(ARCHIVE_EXTRACT INPUT ${package} DESTINATION ${FOLDER}/unpacked)
+    file(GLOB PREFIX ${FOLDER}/unpacked/*)
+  endif()
+  if(NOT EXISTS ${PREFIX}/share/doc/vlm_internal/examples/record_frames.cpp)
+    message(FATAL_ERROR "the examples are not in ${package}")
+  endif()
 endif()
 run(${CMAKE_COMMAND} -S ${SOURCE} -B ${FOLDER}/build -D CMAKE_PREFIX_PATH=${PREFIX} ${CONFIGURE})
 run(${CMAKE_COMMAND} --build ${FOLDER}/build)

@@ -1,15 +1,30 @@
-# The caller's project against what `cmake --install` lays down.
+# The caller's project against what `cmake --install` lays down, and against each package.
 find_program(PKG_CONFIG_PROGRAM pkg-config)
-add_test(NAME consumer_install COMMAND ${CMAKE_COMMAND}
-  -D INSTALL_FROM=${PROJECT_BINARY_DIR}
-  -D PREFIX=${PROJECT_BINARY_DIR}/consumer/prefix
-  -D FOLDER=${PROJECT_BINARY_DIR}/consumer/install
-  -D SOURCE=${CMAKE_CURRENT_LIST_DIR}
-  -D "CONFIGURE=-DCMAKE_TOOLCHAIN_FILE=${CMAKE_TOOLCHAIN_FILE};-DCMAKE_CXX_COMPILER=${CMAKE_CXX_COMPILER}"
-  -D "EMULATOR=${CMAKE_CROSSCOMPILING_EMULATOR}"
-  -D WINDOWS=$<BOOL:${WIN32}>
-  -D PKG_CONFIG=$<$<NOT:$<BOOL:${WIN32}>>:${PKG_CONFIG_PROGRAM}>
-  -D LIBDIR=${CMAKE_INSTALL_LIBDIR} -D COMPILER=${CMAKE_CXX_COMPILER}
-  -P ${CMAKE_CURRENT_LIST_DIR}/check_package.cmake)
-set_tests_properties(consumer_install PROPERTIES
-  LABELS consumer ENVIRONMENT "OMP_WAIT_POLICY=passive;${VLM_TEST_ENVIRONMENT}")
+find_program(DPKG_DEB dpkg-deb)
+
+# vlm_add_package_test(NAME LABEL [GENERATOR of cpack])
+function(vlm_add_package_test name label)
+  add_test(NAME ${name} COMMAND ${CMAKE_COMMAND}
+    -D BUILD=${PROJECT_BINARY_DIR} -D GENERATOR=${ARGN} -D CPACK=${CMAKE_CPACK_COMMAND}
+    -D PREFIX=${PROJECT_BINARY_DIR}/consumer/${name}/prefix
+    -D FOLDER=${PROJECT_BINARY_DIR}/consumer/${name}
+    -D SOURCE=${CMAKE_CURRENT_FUNCTION_LIST_DIR}
+    -D "CONFIGURE=-DCMAKE_TOOLCHAIN_FILE=${CMAKE_TOOLCHAIN_FILE};-DCMAKE_CXX_COMPILER=${CMAKE_CXX_COMPILER}"
+    -D "EMULATOR=${CMAKE_CROSSCOMPILING_EMULATOR}"
+    -D WINDOWS=$<BOOL:${WIN32}>
+    -D PKG_CONFIG=$<$<NOT:$<BOOL:${WIN32}>>:${PKG_CONFIG_PROGRAM}>
+    -D LIBDIR=${CMAKE_INSTALL_LIBDIR} -D COMPILER=${CMAKE_CXX_COMPILER}
+    -P ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/check_package.cmake)
+  set_tests_properties(${name} PROPERTIES
+    LABELS ${label} ENVIRONMENT "OMP_WAIT_POLICY=passive;${VLM_TEST_ENVIRONMENT}")
+endfunction()
+
+vlm_add_package_test(consumer_install consumer)
+if(WIN32)
+  vlm_add_package_test(package_zip package ZIP)
+else()
+  vlm_add_package_test(package_tgz package TGZ)
+  if(DPKG_DEB)
+    vlm_add_package_test(package_deb package DEB)
+  endif()
+endif()

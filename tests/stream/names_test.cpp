@@ -128,4 +128,20 @@ TEST_F(Names, PerCentSignsAndLineFeedsAreJustCharacters) {
 #endif
 }
 
+// UTF-8, Latin-1 and a byte that the code pages of Windows disagree about.
+TEST_F(Names, BytesBeyondAsciiMeanTheSameForEveryFile) {
+  for (const std::string stem : {"r\xc3\xa4um", "r\xe4um", "\x80uro"}) {
+    VxKPFPackedStream writer;
+    const std::string given = folder / "" + stem + ".kpf";
+    ASSERT_EQ(writer.prepareForWriting(given, smallConfiguration(2)), 3U);
+    EXPECT_EQ(writer.addFrame(smallFrame(1)), 3U);
+    EXPECT_EQ(writer.seqNum, 1U);
+    writer.closeStream();
+    const std::filesystem::path path(given);
+    EXPECT_TRUE(std::filesystem::exists(path));
+    EXPECT_TRUE(std::filesystem::exists(std::filesystem::path(given + ".incomplete.txt")));
+    EXPECT_EQ(TEST_SUPPORT::readBytes(folder / "" + stem + "/" + stem + "_0001.div").size(), 28U);
+  }
+}
+
 }  // namespace
