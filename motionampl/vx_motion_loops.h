@@ -32,8 +32,8 @@ inline void amplifyLoop(const unsigned char* __restrict frame,
                         const unsigned char* __restrict gain, unsigned char* __restrict out,
                         std::size_t samples) {
   for (std::size_t i = 0; i < samples; ++i) {
-    const int difference = frame[i] > reference[i] ? frame[i] - reference[i] : 0;
-    const int raised = frame[i] + gain[difference];
+    const int difference = frame[i] - reference[i];
+    const int raised = frame[i] + gain[difference > 0 ? difference : 0];  // GCC makes no branch
     out[i] = static_cast<unsigned char>(raised < 255 ? raised : 255);
   }
 }
