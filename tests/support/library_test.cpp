@@ -1,5 +1,7 @@
 #include "tests/support/library_test.h"
 
+#include <cstdio>
+
 #include "interface/vlm_internal_tables.h"
 #include "vx_log.h"
 
@@ -29,7 +31,8 @@ LibraryTest::LibraryTest() : current_(folder.path()) {
 
 LibraryTest::~LibraryTest() {
   forgetEverything();
-  testing::internal::GetCapturedStdout();
+  const std::string held = testing::internal::GetCapturedStdout();
+  if (HasFailure()) std::fputs(held.c_str(), stderr);  // GoogleTest's own words among them
 }
 
 std::string LibraryTest::output() {
