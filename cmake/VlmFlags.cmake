@@ -9,7 +9,7 @@ target_compile_options(vlm_flags INTERFACE
   $<$<BOOL:${VLM_WERROR}>:-Werror>)
 # Optimising, GCC 12 takes the buffer inside a std::string for an overrun (GCC bug 105651).
 target_compile_options(vlm_flags INTERFACE
-  $<$<NOT:$<CONFIG:Debug>>:-Wno-array-bounds -Wno-restrict -Wno-stringop-overflow>)
+  $<$<AND:$<CXX_COMPILER_ID:GNU>,$<NOT:$<CONFIG:Debug>>>:-Wno-array-bounds -Wno-restrict -Wno-stringop-overflow>)
 target_include_directories(vlm_flags INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
 
 if(VLM_SANITIZE)

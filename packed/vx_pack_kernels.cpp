@@ -9,7 +9,7 @@ namespace VX_KPF_PACKED {
 namespace {
 
 void copyRow(const unsigned char* in, unsigned char* out, std::size_t size) {
-  std::memcpy(out, in, size);
+  if (size != 0) std::memcpy(out, in, size);  // no bytes may come with null pointers
 }
 
 constexpr PackKernels kPlain{packPairsPlain, copyRow};

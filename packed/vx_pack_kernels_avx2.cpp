@@ -50,7 +50,7 @@ void packPairs(const unsigned char* in, unsigned char* out, std::size_t pairs) {
 void copyRowAvx2(const unsigned char* in, unsigned char* out, std::size_t size) {
   constexpr std::size_t kVector = sizeof(__m256i);
   if (size < kVector) {
-    std::memcpy(out, in, size);
+    if (size != 0) std::memcpy(out, in, size);  // no bytes may come with null pointers
     return;
   }
   std::size_t at = 0;
