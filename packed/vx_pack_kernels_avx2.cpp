@@ -35,12 +35,24 @@ __m256i squeeze(__m256i joined) {
   return _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(joined, triples), halves);
 }
 
-// A store reaches past its pairs, into what the next one writes.
+/// 8 pairs and not a byte more.
+void packExactly8(const unsigned char* in, unsigned char* out) {
+  const __m256i packed = squeeze(join(load(in)));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm256_castsi256_si128(packed));
+  _mm_storel_epi64(reinterpret_cast<__m128i*>(out + 16), _mm256_extracti128_si256(packed, 1));
+}
+
+// A whole store reaches past its pairs, into what the next one writes. The last 8 pairs overlap
+// those before them.
 void packPairs(const unsigned char* in, unsigned char* out, std::size_t pairs) {
+  if (pairs < kPairs) return packPairsPlain(in, out, pairs);
+  const unsigned char* const lastIn = in + 4 * (pairs - kPairs);
+  unsigned char* const lastOut = out + 3 * (pairs - kPairs);
   for (; pairs >= kStored; pairs -= kPairs, in += 4 * kPairs, out += 3 * kPairs) {
     store(out, squeeze(join(load(in))));
   }
-  packPairsPlain(in, out, pairs);
+  if (pairs > kPairs) packExactly8(in, out);
+  packExactly8(lastIn, lastOut);
 }
 
 }  // namespace

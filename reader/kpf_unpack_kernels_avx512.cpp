@@ -34,11 +34,6 @@ void unpackUpTo8(const unsigned char* in, std::uint16_t* out, std::size_t pairs)
 }
 
 void unpackPairs(const unsigned char* in, std::uint16_t* out, std::size_t pairs) {
-  constexpr std::size_t kUnrolled = 4;  // a few hundredths faster than one by one
-  for (; pairs >= (kUnrolled - 1) * kPairs + kLoaded; pairs -= kUnrolled * kPairs) {
-    for (std::size_t i = 0; i < kUnrolled; ++i, in += 3 * kPairs, out += 2 * kPairs)
-      unpack8(in, out);
-  }
   for (; pairs >= kLoaded; pairs -= kPairs, in += 3 * kPairs, out += 2 * kPairs) unpack8(in, out);
   for (; pairs > kPairs; pairs -= kPairs, in += 3 * kPairs, out += 2 * kPairs) {
     unpackUpTo8(in, out, kPairs);
