@@ -18,6 +18,9 @@ using VLM_KPF::VxKPFMotionAmpl;
 constexpr double kCycles = 3.0;  // of the motion, in the window
 constexpr double kGain = 2.5;
 
+/// Frames of a window that no cache holds, as the rings of the bounds are not held either.
+constexpr int kLongWindow = 60;
+
 /// What a frame's way reads and writes, in bytes a pixel.
 constexpr std::size_t kAddMoves = 10;       // newest, oldest, sums in and out
 constexpr std::size_t kReferenceMoves = 5;  // sums, reference
@@ -137,11 +140,11 @@ Job plainFrameJob(FrameSize size) {
 
 void addJobsOf(FrameSize size) {
   const std::size_t pixels = size.pixels();
-  addJob("addFrame", size, pixels * kAddMoves, [=] { return addJob(size, 9); });
+  addJob("addFrame", size, pixels * kAddMoves, [=] { return addJob(size, kLongWindow); });
   addJob("getReference", size, pixels * kReferenceMoves, [=] { return referenceJob(size); });
   addJob("amplify-quiet", size, pixels * kAmplifyMoves, [=] { return amplifyJob(size, true); });
   addJob("amplify-busy", size, pixels * kAmplifyMoves, [=] { return amplifyJob(size, false); });
-  addLoneJob("amplifier", size, pixels * kFrameMoves, [=] { return frameJob(size, 9); });
+  addLoneJob("amplifier", size, pixels * kFrameMoves, [=] { return frameJob(size, kLongWindow); });
   addLoneJob("amplifier/plain", size, pixels * kFrameMoves, [=] { return plainFrameJob(size); });
 }
 
