@@ -92,6 +92,7 @@ class Player {
     configuration.text2 = std::string(input_.number(3000), 'x');
     const std::string name = scratch_ / ("s" + std::to_string(input_.byte() % 3) + ".kpf");
     const unsigned handle = vxCreatePackStreamer(name, configuration);
+    VX_LOG::VxLogger::factory()->loggerUseStdout(false);  // a new stream switches it on
     require((handle != 0) == (configuration.frameCount != 0), "a stream needs frames");
     if (handle == 0) return;
     require(!streams_.contains(handle), "a handle in use is not issued");

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <random>
 #include <string>
+#include <system_error>
 
 namespace FUZZ {
 
@@ -15,7 +16,11 @@ class Scratch {
               ("vlm_fuzz_" + std::to_string(std::random_device{}()))) {
     clear();
   }
-  ~Scratch() { std::filesystem::remove_all(path_); }
+  ~Scratch() {
+    std::error_code ignored;
+    std::filesystem::current_path(path_.parent_path(), ignored);  // Windows keeps the current one
+    std::filesystem::remove_all(path_, ignored);
+  }
   Scratch(const Scratch&) = delete;
   Scratch& operator=(const Scratch&) = delete;
 
