@@ -6,7 +6,6 @@
 #include <cstring>
 #include <memory>
 #include <random>
-#include <utility>
 
 namespace BENCH {
 
@@ -58,7 +57,7 @@ unsigned char* BufferRing::next() {
 }
 
 void addLoneJob(const std::string& name, FrameSize size, std::size_t bytesMoved,
-                std::function<Job()> prepare) {
+                const std::function<Job()>& prepare) {
   benchmark::RegisterBenchmark(
       fullName(name, size).c_str(),
       [=](benchmark::State& state) { measure(state, bytesMoved, prepare); })
@@ -67,7 +66,7 @@ void addLoneJob(const std::string& name, FrameSize size, std::size_t bytesMoved,
 }
 
 void addTimedJob(const std::string& name, FrameSize size, std::size_t bytesMoved,
-                 std::function<TimedJob()> prepare) {
+                 const std::function<TimedJob()>& prepare) {
   benchmark::RegisterBenchmark(
       fullName(name, size).c_str(),
       [=](benchmark::State& state) {
@@ -86,8 +85,8 @@ double secondsOf(const std::function<void()>& work) {
 }
 
 void addJob(const std::string& name, FrameSize size, std::size_t bytesMoved,
-            std::function<Job()> prepare) {
-  addLoneJob(name, size, bytesMoved, std::move(prepare));
+            const std::function<Job()>& prepare) {
+  addLoneJob(name, size, bytesMoved, prepare);
   addLoneJob(name + "/memcpy", size, bytesMoved, [bytesMoved] { return copyJob(bytesMoved); });
 }
 

@@ -50,18 +50,18 @@ using Job = std::function<void()>;
  * @param prepare makes the job, with its buffers, right before it is measured.
  */
 void addJob(const std::string& name, FrameSize size, std::size_t bytesMoved,
-            std::function<Job()> prepare);
+            const std::function<Job()>& prepare);
 
 /// The same without the bound, for jobs that are compared with something else.
 void addLoneJob(const std::string& name, FrameSize size, std::size_t bytesMoved,
-                std::function<Job()> prepare);
+                const std::function<Job()>& prepare);
 
 /// Does the work of one frame and says how many seconds of it count.
 using TimedJob = std::function<double()>;
 
 /// A lone job that takes the time itself, to leave out what it has to do between frames.
 void addTimedJob(const std::string& name, FrameSize size, std::size_t bytesMoved,
-                 std::function<TimedJob()> prepare);
+                 const std::function<TimedJob()>& prepare);
 
 /// Seconds that `work` takes.
 double secondsOf(const std::function<void()>& work);
