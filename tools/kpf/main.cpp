@@ -67,6 +67,7 @@ void addVerify(CLI::App& app, Commands& commands) {
   CLI::App* const command = app.add_subcommand("verify", "Check every byte that can be checked");
   command->add_option("FILE", commands.verify.file, "header file (.kpf)")->required();
   command->add_flag("--json", commands.verify.json, "for programs");
+  command->add_flag("--quiet", commands.verify.quiet, "no progress");
   command->footer("Example: kpf verify clip.kpf && echo sound");
   command->callback([&commands] { commands.result = runVerify(commands.verify); });
 }

@@ -32,9 +32,10 @@ Interrupt::Interrupt() {
 
 bool Interrupt::requested() { return interrupted != 0; }
 
-Progress::Progress(bool quiet, std::uint64_t total)
+Progress::Progress(bool quiet, std::uint64_t total, const char* unit)
     : visible_(!quiet && isatty(STDERR_FILENO) != 0),
       total_(total),
+      unit_(unit),
       begin_(Clock::now()),
       shown_(begin_) {}
 
@@ -49,10 +50,10 @@ void Progress::show(std::uint64_t done) {
   shown_ = now;
   const double rate = static_cast<double>(done) / duration<double>(now - begin_).count();
   if (total_ < done) {
-    fmt::print(stderr, "\r\033[K{} frames, {:.0f} frames/s", done, rate);
+    fmt::print(stderr, "\r\033[K{} {}, {:.0f} {}/s", done, unit_, rate, unit_);
   } else {
-    fmt::print(stderr, "\r\033[K{} of {} frames, {:.0f} frames/s, {} left", done, total_, rate,
-               clockText(static_cast<double>(total_ - done) / rate));
+    fmt::print(stderr, "\r\033[K{} of {} {}, {:.0f} {}/s, {} left", done, total_, unit_, rate,
+               unit_, clockText(static_cast<double>(total_ - done) / rate));
   }
 }
 

@@ -19,8 +19,8 @@ class Interrupt {
 /// A line on standard error with count, rate and remaining time, where that is a terminal.
 class Progress {
  public:
-  /// @param total frames expected, or 0 when nobody knows.
-  Progress(bool quiet, std::uint64_t total);
+  /// @param total `unit`s expected, or 0 when nobody knows.
+  Progress(bool quiet, std::uint64_t total, const char* unit = "frames");
   ~Progress();
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
@@ -32,6 +32,7 @@ class Progress {
 
   bool visible_;
   std::uint64_t total_;
+  const char* unit_;
   Clock::time_point begin_;
   Clock::time_point shown_;
 };

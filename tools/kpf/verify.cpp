@@ -5,7 +5,9 @@
 #include <nlohmann/json.hpp>
 
 #include "tools/kpf/check_files.h"
+#include "tools/kpf/check_records.h"
 #include "tools/kpf/recording_text.h"
+#include "tools/kpf/session.h"
 
 namespace KPF_TOOL {
 using KPF_READER::Recording;
@@ -27,7 +29,13 @@ Verdict verify(const VerifyOptions& options) {
   checkHeader(recording, verdict.findings);
   checkCompleteness(recording, verdict.findings);
   checkStrayFiles(recording, verdict.findings);
-  verdict.placeholders = checkRecords(recording, options.bytesRead, verdict.findings);
+
+  constexpr std::uint64_t kMegabyte = 1000000;
+  std::uint64_t bytes = 0;
+  for (const KPF_READER::DivFile& file : recording.divFiles()) bytes += file.size;
+  Progress progress(options.quiet, bytes / kMegabyte, "MB");
+  const auto show = [&progress](std::uint64_t done) { progress.show(done / kMegabyte); };
+  verdict.placeholders = checkRecords(recording, show, verdict.findings);
   return verdict;
 }
 

@@ -4,14 +4,12 @@
 
 #include <string>
 
-#include "tools/kpf/check_records.h"
-
 namespace KPF_TOOL {
 
 struct VerifyOptions {
   std::string file;  // the header file
   bool json = false;
-  BytesRead bytesRead = [](std::uint64_t) {};  // for showing progress
+  bool quiet = false;  // no progress
 };
 
 /// Prints each finding with file, record and offset, and a last line that sums up.
