@@ -23,8 +23,8 @@ TEST(HandleTable, HandlesCountFromOne) {
   HandleTable<int> table;
   EXPECT_EQ(issueHandle(table, std::make_unique<int>(10)), 1U);
   EXPECT_EQ(issueHandle(table, std::make_unique<int>(20)), 2U);
-  EXPECT_EQ(*lookUp(table, 1).object, 10);
-  EXPECT_EQ(*lookUp(table, 2).object, 20);
+  EXPECT_EQ(lookUp(table, 1).object, table[0].get());
+  EXPECT_EQ(lookUp(table, 2).object, table[1].get());
   EXPECT_EQ(lookUp(table, 2).state, HandleState::kLive);
 }
 

@@ -69,6 +69,7 @@ const Function kFunctions[] = {
 
 std::string asPointer(unsigned handle) {
   char text[64];
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): only printed
   std::snprintf(text, sizeof text, "%p", reinterpret_cast<void*>(std::uintptr_t{handle}));
   return text;
 }

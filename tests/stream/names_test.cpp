@@ -132,7 +132,8 @@ TEST_F(Names, PerCentSignsAndLineFeedsAreJustCharacters) {
 TEST_F(Names, BytesBeyondAsciiMeanTheSameForEveryFile) {
   for (const std::string stem : {"r\xc3\xa4um", "r\xe4um", "\x80uro"}) {
     VxKPFPackedStream writer;
-    const std::string given = folder / "" + stem + ".kpf";
+    std::string given = folder / "";
+    given.append(stem).append(".kpf");
     ASSERT_EQ(writer.prepareForWriting(given, smallConfiguration(2)), 3U);
     EXPECT_EQ(writer.addFrame(smallFrame(1)), 3U);
     EXPECT_EQ(writer.seqNum, 1U);
@@ -140,7 +141,9 @@ TEST_F(Names, BytesBeyondAsciiMeanTheSameForEveryFile) {
     const std::filesystem::path path(given);
     EXPECT_TRUE(std::filesystem::exists(path));
     EXPECT_TRUE(std::filesystem::exists(std::filesystem::path(given + ".incomplete.txt")));
-    EXPECT_EQ(TEST_SUPPORT::readBytes(folder / "" + stem + "/" + stem + "_0001.div").size(), 28U);
+    std::string div = folder / "";
+    div.append(stem).append("/").append(stem).append("_0001.div");
+    EXPECT_EQ(TEST_SUPPORT::readBytes(div).size(), 28U);
   }
 }
 

@@ -40,7 +40,7 @@ Progress::Progress(bool quiet, std::uint64_t total, const char* unit)
       shown_(begin_) {}
 
 Progress::~Progress() {
-  if (visible_) fmt::print(stderr, "\r\033[K");
+  if (visible_) std::fputs("\r\033[K", stderr);
 }
 
 void Progress::show(std::uint64_t done) {
@@ -85,7 +85,7 @@ void LibraryWords::release() {
   output_ = -1;
   std::rewind(heard_);
   char line[2048];
-  while (std::fgets(line, sizeof line, heard_) != nullptr) fmt::print(stderr, "{}", line);
+  while (std::fgets(line, sizeof line, heard_) != nullptr) std::fputs(line, stderr);
 }
 
 }  // namespace KPF_TOOL
