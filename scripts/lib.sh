@@ -37,6 +37,6 @@ build_preset() {
   shift
   # Only for a folder that is new: CMake stays with the generator that a folder was begun with.
   if command -v ninja > /dev/null; then export CMAKE_GENERATOR=${CMAKE_GENERATOR:-Ninja}; fi
-  (cd "$root" && cmake --preset "$preset" --log-level=WARNING "$@")
-  cmake --build "$root/build/$preset" --parallel "$jobs"
+  (cd "$root" && cmake --preset "$preset" --log-level=WARNING "$@" &&
+    cmake --build --preset "$preset" --parallel "$jobs")
 }
