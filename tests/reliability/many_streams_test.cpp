@@ -57,7 +57,7 @@ TEST_F(ManyStreams, TwoHundredAtOnceKeepTheirFramesApart) {
   }
   for (unsigned i = 1; i <= 200; ++i) {
     const std::string stem = "rec" + std::to_string(i);
-    const auto bytes = TEST_SUPPORT::readBytes(folder / (stem + "/" + stem + "_0001.div"));
+    const auto bytes = TEST_SUPPORT::readBytes(folder.path() / stem / (stem + "_0001.div"));
     ASSERT_EQ(bytes.size(), 20U);
     EXPECT_EQ(bytes[16], i);
     EXPECT_EQ(vxClosePackStreamer(i), 5);

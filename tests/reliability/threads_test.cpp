@@ -14,6 +14,7 @@ constexpr int kThreads = 6;
 void onThreads(const std::function<void(int)>& work) {
   std::barrier begin(kThreads);
   std::vector<std::thread> threads;
+  threads.reserve(kThreads);
   for (int i = 0; i < kThreads; ++i) {
     threads.emplace_back([&, i] {
       begin.arrive_and_wait();
@@ -56,7 +57,7 @@ TEST_F(Threads, FeedStreamsOfTheirOwn) {
   });
   for (int i = 0; i < kThreads; ++i) {
     const std::string stem = "rec" + std::to_string(i);
-    const auto bytes = TEST_SUPPORT::readBytes(folder / (stem + "/" + stem + "_0001.div"));
+    const auto bytes = TEST_SUPPORT::readBytes(folder.path() / stem / (stem + "_0001.div"));
     ASSERT_EQ(bytes.size(), 40U * (16 + 96000));
     EXPECT_EQ(bytes[38 * 96016 + 16 + 95999], 0x11 * i);
     EXPECT_EQ(vxClosePackStreamer(static_cast<unsigned>(i + 1)), 5);

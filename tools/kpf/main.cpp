@@ -139,6 +139,7 @@ int run(CLI::App& app, const Commands& commands, int argc, char** argv) {
 
 }  // namespace
 
+// NOLINTNEXTLINE(bugprone-exception-escape): only for want of memory, before anything is done.
 int main(int argc, char** argv) {
   CLI::App app{"Records mono video, and looks after the recordings."};
   app.set_version_flag("--version", "kpf " KPF_VERSION);
