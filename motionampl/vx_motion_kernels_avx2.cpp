@@ -1,6 +1,7 @@
 // Runs on processors with AVX2 only. Registers of 32 samples.
 #include <immintrin.h>
 
+#include "cpu/fetch_ahead.h"
 #include "motionampl/vx_motion_kernels_isa.h"
 #include "motionampl/vx_motion_loops.h"
 
@@ -35,9 +36,8 @@ bool divideVectors(const std::uint32_t* sums, std::uint32_t window, unsigned cha
   const __m256i inOrder = _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7);
   __m256i seen = _mm256_setzero_si256();
   for (std::size_t i = 0; i < samples; i += kVector) {
-    const std::uint32_t* const next = sums + fetchAhead(i, samples, kDivideAhead);
-    _mm_prefetch(next, _MM_HINT_T0);
-    _mm_prefetch(next + 16, _MM_HINT_T0);
+    CPU::fetchAhead(sums + i, kSumsAhead);
+    CPU::fetchAhead(sums + i + 16, kSumsAhead);
     const __m256i low = _mm256_packs_epi32(quotients(sums + i, reciprocal, offset),
                                            quotients(sums + i + 8, reciprocal, offset));
     const __m256i high = _mm256_packs_epi32(quotients(sums + i + 16, reciprocal, offset),
@@ -58,14 +58,16 @@ void divide(const std::uint32_t* sums, std::uint32_t window, unsigned char* out,
 // --- Amplification -------------------------------------------------------------------------------
 
 /**
- * A gain table as a line: gain[d] = d x slope, truncated, less one for some d.
+ * A gain table as a line: gain[d] = d x slope, truncated, less one for some d. Of a negative
+ * factor's table, that is true of 256 - gain[d].
  *
- * The tables of all positive factors are of this form: their steps are those of a fraction, and
- * between two fractions with denominators below 256 there is always one of 65536ths. A table was
- * filled from rounded products, though; those that rounding raised to the next integer bring the
- * line up with them, and what else it lifts over an integer is listed as surplus.
+ * The tables of all factors are of this form: their steps are those of a fraction, and between two
+ * fractions with denominators below 256 there is always one of 65536ths. A table was filled from
+ * rounded products, though; those that rounding raised to the next integer bring the line up with
+ * them, and what else it lifts over an integer is listed as surplus.
  */
 struct Line {
+  bool falling;               // the factor is negative: the line is of 256 - gain[d]
   unsigned whole;             // of the slope, modulo 256
   unsigned fraction;          // of the slope, in 65536ths
   unsigned char surplus[32];  // bit (d / 16) % 8 of byte d % 16, plus 16 from 128 on
@@ -73,16 +75,17 @@ struct Line {
 };
 
 /// The lowest line that is nowhere below the table. @return false where none comes close enough.
-bool fitLine(const unsigned char* gain, Line& line) {
-  line = {gain[1], 0, {}, false};
+bool fitLine(const unsigned char* gain, bool falling, Line& line) {
+  const auto height = [=](unsigned d) { return (falling ? 256U - gain[d] : gain[d]) & 255; };
+  line = {falling, height(1), 0, {}, false};
   for (unsigned d = 1; d < kGains; ++d) {
-    const unsigned part = (gain[d] - d * line.whole) & 255;
+    const unsigned part = (height(d) - d * line.whole) & 255;
     const unsigned needed = (part * 65536 + d - 1) / d;
     line.fraction = needed > line.fraction ? needed : line.fraction;
   }
   if (line.fraction > 65535) return false;
   for (unsigned d = 0; d < kGains; ++d) {
-    const unsigned surplus = (d * line.whole + (d * line.fraction >> 16) - gain[d]) & 255;
+    const unsigned surplus = (d * line.whole + (d * line.fraction >> 16) - height(d)) & 255;
     if (surplus > 1) return false;
     if (surplus == 0) continue;
     line.surplus[d % 16 + d / 128 * 16] |= static_cast<unsigned char>(1U << (d / 16 % 8));
@@ -118,15 +121,15 @@ template <bool kSurplus>
 void amplifyVectors(const unsigned char* frame, const unsigned char* reference, const Line& line,
                     unsigned char* out, std::size_t samples) {
   const __m256i zero = _mm256_setzero_si256();
+  const __m256i falling = _mm256_set1_epi8(line.falling ? -1 : 0);
   for (std::size_t i = 0; i < samples; i += kVector) {
-    const std::size_t ahead = fetchAhead(i, samples, kAmplifyAhead);
-    _mm_prefetch(frame + ahead, _MM_HINT_T0);
-    _mm_prefetch(reference + ahead, _MM_HINT_T0);
+    CPU::fetchOnceAhead(frame + i, kFrameAhead);
     const __m256i newest = load(frame + i);
     const __m256i differences = _mm256_subs_epu8(newest, load(reference + i));
     __m256i gains = _mm256_packus_epi16(pointsOf(_mm256_unpacklo_epi8(differences, zero), line),
                                         pointsOf(_mm256_unpackhi_epi8(differences, zero), line));
     if constexpr (kSurplus) gains = _mm256_add_epi8(gains, surplusOf(differences, line));
+    gains = _mm256_sub_epi8(_mm256_xor_si256(gains, falling), falling);  // negative where falling
     store(out + i, _mm256_adds_epu8(newest, gains));
   }
 }
@@ -134,7 +137,8 @@ void amplifyVectors(const unsigned char* frame, const unsigned char* reference, 
 void amplify(const unsigned char* frame, const unsigned char* reference, const unsigned char* gain,
              unsigned char* out, std::size_t samples) {
   Line line;
-  const std::size_t inVectors = fitLine(gain, line) ? samples / kVector * kVector : 0;
+  const bool fits = fitLine(gain, false, line) || fitLine(gain, true, line);
+  const std::size_t inVectors = fits ? samples / kVector * kVector : 0;
   const auto vectors = line.hasSurplus ? amplifyVectors<true> : amplifyVectors<false>;
   vectors(frame, reference, line, out, inVectors);
   amplifyLoop(frame + inVectors, reference + inVectors, gain, out + inVectors, samples - inVectors);
@@ -142,6 +146,6 @@ void amplify(const unsigned char* frame, const unsigned char* reference, const u
 
 }  // namespace
 
-const MotionKernels kMotionKernelsAvx2{addLoop, exchangeLoop, divide, amplify};
+const MotionKernels kMotionKernelsAvx2{addLoop, exchangeLines, divide, amplify};
 
 }  // namespace VLM_KPF

@@ -1,6 +1,7 @@
 // Runs on processors with AVX-512 F, BW, VL, DQ and VBMI only. Registers of 64 samples.
 #include <immintrin.h>
 
+#include "cpu/fetch_ahead.h"
 #include "motionampl/vx_motion_kernels_isa.h"
 #include "motionampl/vx_motion_loops.h"
 
@@ -23,8 +24,9 @@ bool divideVectors(const std::uint32_t* sums, std::uint32_t window, unsigned cha
   const __m512i inOrder = _mm512_setr_epi32(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15);
   __m512i seen = _mm512_setzero_si512();
   for (std::size_t i = 0; i < samples; i += kVector) {
-    const std::uint32_t* const next = sums + fetchAhead(i, samples, kDivideAhead);
-    for (std::size_t line = 0; line < kVector; line += 16) _mm_prefetch(next + line, _MM_HINT_T0);
+    for (std::size_t line = 0; line < kVector; line += 16) {
+      CPU::fetchAhead(sums + i + line, kSumsAhead);
+    }
     const __m512i low = _mm512_packs_epi32(quotients(sums + i, reciprocal, offset),
                                            quotients(sums + i + 16, reciprocal, offset));
     const __m512i high = _mm512_packs_epi32(quotients(sums + i + 32, reciprocal, offset),
@@ -61,16 +63,23 @@ __m512i raise(__m512i frame, __m512i reference, const Gains& gains) {
   return _mm512_adds_epu8(frame, gains.of(_mm512_subs_epu8(frame, reference)));
 }
 
+void amplify64(const unsigned char* frame, const unsigned char* reference, const Gains& gains,
+               unsigned char* out) {
+  _mm512_storeu_si512(out, raise(_mm512_loadu_si512(frame), _mm512_loadu_si512(reference), gains));
+}
+
+// Behind the first 64 samples, no register of the frame is loaded from two cache lines.
 void amplify(const unsigned char* frame, const unsigned char* reference, const unsigned char* gain,
              unsigned char* out, std::size_t samples) {
   const Gains gains(gain);
   std::size_t i = 0;
+  if (samples >= kVector) {
+    amplify64(frame, reference, gains, out);
+    i = kVector - reinterpret_cast<std::uintptr_t>(frame) % kVector;
+  }
   for (; samples - i >= kVector; i += kVector) {
-    const std::size_t ahead = fetchAhead(i, samples, kAmplifyAhead);
-    _mm_prefetch(frame + ahead, _MM_HINT_T0);
-    _mm_prefetch(reference + ahead, _MM_HINT_T0);
-    _mm512_storeu_si512(
-        out + i, raise(_mm512_loadu_si512(frame + i), _mm512_loadu_si512(reference + i), gains));
+    CPU::fetchOnceAhead(frame + i, kFrameAhead);
+    amplify64(frame + i, reference + i, gains, out + i);
   }
   const __mmask64 rest = (std::uint64_t{1} << (samples - i)) - 1;
   _mm512_mask_storeu_epi8(out + i, rest,
@@ -80,6 +89,6 @@ void amplify(const unsigned char* frame, const unsigned char* reference, const u
 
 }  // namespace
 
-const MotionKernels kMotionKernelsAvx512{addLoop, exchangeLoop, divide, amplify};
+const MotionKernels kMotionKernelsAvx512{addLoop, exchangeLines, divide, amplify};
 
 }  // namespace VLM_KPF

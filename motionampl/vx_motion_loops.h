@@ -7,6 +7,9 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "cpu/fetch_ahead.h"
+#include "motionampl/vx_motion_kernels_isa.h"
+
 namespace VLM_KPF {
 namespace {
 
@@ -20,6 +23,20 @@ inline void exchangeLoop(std::uint32_t* __restrict sums, const unsigned char* __
   for (std::size_t i = 0; i < samples; ++i) {
     sums[i] += static_cast<std::uint32_t>(newest[i] - oldest[i]);
   }
+}
+
+/// The same by cache lines of samples, the frames fetched ahead: of a long window's frames, no
+/// cache holds the oldest.
+inline void exchangeLines(std::uint32_t* __restrict sums, const unsigned char* __restrict newest,
+                          const unsigned char* __restrict oldest, std::size_t samples) {
+  constexpr std::size_t kLine = 64;
+  std::size_t i = 0;
+  for (; samples - i >= kLine; i += kLine) {
+    CPU::fetchAhead(newest + i, kWindowAhead);
+    CPU::fetchAhead(oldest + i, kWindowAhead);
+    exchangeLoop(sums + i, newest + i, oldest + i, kLine);
+  }
+  exchangeLoop(sums + i, newest + i, oldest + i, samples - i);
 }
 
 inline void divideLoop(const std::uint32_t* __restrict sums, std::uint32_t window,
@@ -36,11 +53,6 @@ inline void amplifyLoop(const unsigned char* __restrict frame,
     const int raised = frame[i] + gain[difference > 0 ? difference : 0];  // GCC makes no branch
     out[i] = static_cast<unsigned char>(raised < 255 ? raised : 255);
   }
-}
-
-/// The index to fetch while at `i`: `distance` further on, as long as there are so many samples.
-inline std::size_t fetchAhead(std::size_t i, std::size_t samples, std::size_t distance) {
-  return samples - i > distance ? i + distance : i;
 }
 
 }  // namespace

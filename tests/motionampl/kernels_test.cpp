@@ -149,7 +149,9 @@ TEST_P(MotionKernelsOf, AmplifiesEveryPairOfSamplesByEveryTable) {
     gains.push_back(gainOf(hundredths / 100.0));
   }
   for (int i = 0; i < 50; ++i) {
-    gains.push_back(gainOf(std::ldexp(static_cast<double>(random()), -24)));
+    const double factor = std::ldexp(static_cast<double>(random()), -24);
+    gains.push_back(gainOf(factor));
+    gains.push_back(gainOf(-factor));
   }
   gains.emplace_back();
   for (unsigned char& entry : gains.back()) entry = static_cast<unsigned char>(random());
