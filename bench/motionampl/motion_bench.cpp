@@ -32,13 +32,14 @@ unsigned char* newFrame(FrameSize size) {
   return static_cast<unsigned char*>(::operator new(size.pixels()));
 }
 
-/// An amplifier whose window is full of random frames.
+/// An amplifier whose window is full of random frames. They go round once more, since the allocator
+/// maps the first ones in single pieces and gives each back to the system when it leaves.
 std::shared_ptr<VxKPFMotionAmpl> fullAmplifier(FrameSize size, int window) {
   auto amplifier = std::make_shared<VxKPFMotionAmpl>();
   amplifier->setParameters(window, kCycles, static_cast<int>(size.width),
                            static_cast<int>(size.height), kGain);
   const Bytes samples = randomBytes(size.pixels());
-  while (!amplifier->amplifyAvailable()) {
+  for (int i = 0; i < 2 * window; ++i) {
     unsigned char* const frame = newFrame(size);
     std::copy(samples.begin(), samples.end(), frame);
     amplifier->addFrame(frame);
@@ -67,7 +68,7 @@ void makeQuiet(Bytes& reference, const unsigned char* frame) {
 
 /// The loop alone, by a table as the amplifier makes it. The reference is in one place for every
 /// frame, as the amplifier's is.
-Job amplifyJob(FrameSize size, bool quiet) {
+Job amplifyJob(FrameSize size, bool quiet, double factor = kGain) {
   const std::size_t moved = size.pixels() * kAmplifyMoves;
   auto frames = std::make_shared<BufferRing>(size.pixels(), moved);
   auto out = std::make_shared<BufferRing>(size.pixels(), moved);
@@ -75,7 +76,7 @@ Job amplifyJob(FrameSize size, bool quiet) {
   if (quiet) makeQuiet(reference, frames->next());  // the buffers of a ring begin alike
   Bytes gain(VLM_KPF::kGains);
   for (std::size_t d = 0; d < gain.size(); ++d) {
-    gain[d] = static_cast<unsigned char>(static_cast<int>(static_cast<double>(d) * kGain));
+    gain[d] = static_cast<unsigned char>(static_cast<int>(static_cast<double>(d) * factor));
   }
   return [=] {
     VLM_KPF::motionKernels().amplify(frames->next(), reference.data(), gain.data(), out->next(),
@@ -93,7 +94,7 @@ Job frameJob(FrameSize size, int window) {
   };
 }
 
-/// The part of it that threads share out.
+/// Amplifying with a team of `threads`.
 Job teamJob(FrameSize size, int threads) {
   auto amplifier = fullAmplifier(size, 9);
   auto out = std::make_shared<BufferRing>(size.pixels(), size.pixels() * kFrameMoves);
@@ -101,6 +102,19 @@ Job teamJob(FrameSize size, int threads) {
     omp_set_num_threads(threads);
     amplifier->amplifyFrame(out->next());
     omp_set_num_threads(1);
+  };
+}
+
+/// The part of it that the team shares out: all but the reference, which one thread forms.
+TimedJob sharedPartJob(FrameSize size, int threads) {
+  auto amplifier = fullAmplifier(size, 9);
+  auto reference = std::make_shared<Bytes>(size.pixels());
+  auto out = std::make_shared<BufferRing>(size.pixels(), size.pixels() * kFrameMoves);
+  return [=] {
+    omp_set_num_threads(threads);
+    const double whole = secondsOf([&] { amplifier->amplifyFrame(out->next()); });
+    omp_set_num_threads(1);
+    return whole - secondsOf([&] { amplifier->getReference(reference->data()); });
   };
 }
 
@@ -144,6 +158,8 @@ void addJobsOf(FrameSize size) {
   addJob("getReference", size, pixels * kReferenceMoves, [=] { return referenceJob(size); });
   addJob("amplify-quiet", size, pixels * kAmplifyMoves, [=] { return amplifyJob(size, true); });
   addJob("amplify-busy", size, pixels * kAmplifyMoves, [=] { return amplifyJob(size, false); });
+  addJob("amplify-negative", size, pixels * kAmplifyMoves,
+         [=] { return amplifyJob(size, false, -kGain); });
   addLoneJob("amplifier", size, pixels * kFrameMoves, [=] { return frameJob(size, kLongWindow); });
   addLoneJob("amplifier/plain", size, pixels * kFrameMoves, [=] { return plainFrameJob(size); });
 }
@@ -157,11 +173,17 @@ void addJobs() {
                kFrameSizes[0].pixels() * kFrameMoves,
                [=] { return frameJob(kFrameSizes[0], window); });
   }
+  for (const FrameSize size : kGrowingSizes) {
+    addJob("amplifier-growth", size, size.pixels() * kFrameMoves,
+           [=] { return frameJob(size, 9); });
+  }
   const FrameSize large{4096, 3072};
   for (const int threads : {1, 2}) {
     addLoneJob("amplifyFrame/threads=" + std::to_string(threads), large,
                large.pixels() * (kReferenceMoves + kAmplifyMoves),
                [=] { return teamJob(large, threads); });
+    addTimedJob("amplifyFrame/shared/threads=" + std::to_string(threads), large,
+                large.pixels() * kAmplifyMoves, [=] { return sharedPartJob(large, threads); });
   }
 }
 

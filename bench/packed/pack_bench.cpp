@@ -72,6 +72,9 @@ void addJobsOf(FrameSize size) {
 
 void addJobs() {
   for (const FrameSize size : kFrameSizes) addJobsOf(size);
+  for (const FrameSize size : kGrowingSizes) {
+    addJob("pack12-growth", size, movedAt12Bits(size), [=] { return packJob(size); });
+  }
   constexpr FrameSize kLarge{4096, 3072};
   for (const int threads : {1, 2}) {
     addLoneJob("frame12/threads=" + std::to_string(threads), kLarge, movedAt12Bits(kLarge),

@@ -18,6 +18,9 @@ struct FrameSize {
 
 inline constexpr FrameSize kFrameSizes[] = {{1280, 1024}, {1920, 1080}};
 
+/// For growth: four times the pixels from each to the next.
+inline constexpr FrameSize kGrowingSizes[] = {{640, 512}, {1280, 1024}, {2560, 2048}, {5120, 4096}};
+
 using Bytes = std::vector<unsigned char>;
 
 /// `size` bytes that no predictor learns, the same for the same seed.
