@@ -10,6 +10,7 @@
 #include <cstring>
 #include <fstream>
 #include <functional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -53,6 +54,11 @@ void watch(const std::string& what, double held, unsigned frames,
   std::fflush(stdout);
 }
 
+/// What failed would hold less memory than it should.
+void expectResult(int result, int expected) {
+  if (result != expected) throw std::runtime_error("the library did not do the work");
+}
+
 void watchStream() {
   const TEST_SUPPORT::TemporaryFolder folder;
   VLM_INTERNAL::VXP_STREAM_CONFIGURATION configuration;
@@ -67,6 +73,7 @@ void watchStream() {
       "stream, 12 bits", static_cast<double>(vxGetPackedSize(kWidth, kHeight, 12)) / kMegabyte,
       kFirstFrames, [&] { stream = vxCreatePackStreamer(folder / "memory.kpf", configuration); },
       [&] { vxAddTiffImageData(stream, image.data()); });
+  expectResult(vxIsPackStreamerFinished(stream), STREAM_COMPLETE);
   vxClosePackStreamer(stream);
 }
 
@@ -85,6 +92,7 @@ void watchAmplifier(unsigned window) {
         vxMAAddFrame(amplifier, frame);
         vxMAGetFrame(amplifier, amplified.data());
       });
+  expectResult(vxMAGetFrame(amplifier, amplified.data()), VLM_SUCCESS);
   vxCloseMotionAmplifier(amplifier);
 }
 
