@@ -5,14 +5,14 @@
 #include <cstdio>
 
 #include "kpf_reader.h"
-#include "tools/kpf/amplify.h"
-#include "tools/kpf/export.h"
-#include "tools/kpf/info.h"
-#include "tools/kpf/record.h"
-#include "tools/kpf/recording_text.h"
-#include "tools/kpf/sheet.h"
-#include "tools/kpf/tool_error.h"
-#include "tools/kpf/verify.h"
+#include "tools/kpf/commands/amplify.h"
+#include "tools/kpf/commands/export.h"
+#include "tools/kpf/commands/info.h"
+#include "tools/kpf/commands/record.h"
+#include "tools/kpf/commands/sheet.h"
+#include "tools/kpf/commands/verify.h"
+#include "tools/kpf/terminal/recording_text.h"
+#include "tools/kpf/terminal/tool_error.h"
 
 namespace {
 

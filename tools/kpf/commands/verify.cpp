@@ -1,13 +1,13 @@
-#include "tools/kpf/verify.h"
+#include "tools/kpf/commands/verify.h"
 
 #include <fmt/format.h>
 
 #include <nlohmann/json.hpp>
 
-#include "tools/kpf/check_files.h"
-#include "tools/kpf/check_records.h"
-#include "tools/kpf/recording_text.h"
-#include "tools/kpf/session.h"
+#include "tools/kpf/checks/check_files.h"
+#include "tools/kpf/checks/check_records.h"
+#include "tools/kpf/terminal/recording_text.h"
+#include "tools/kpf/terminal/session.h"
 
 namespace KPF_TOOL {
 using KPF_READER::Recording;

@@ -5,7 +5,7 @@
 #include <functional>
 
 #include "kpf_reader.h"
-#include "tools/kpf/findings.h"
+#include "tools/kpf/checks/findings.h"
 
 namespace KPF_TOOL {
 

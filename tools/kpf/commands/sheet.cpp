@@ -1,13 +1,13 @@
-#include "tools/kpf/sheet.h"
+#include "tools/kpf/commands/sheet.h"
 
 #include <fmt/format.h>
 
 #include <vector>
 
-#include "tools/kpf/canvas.h"
-#include "tools/kpf/frame_source.h"
-#include "tools/kpf/media_output.h"
-#include "tools/kpf/tool_error.h"
+#include "tools/kpf/frames/canvas.h"
+#include "tools/kpf/frames/frame_source.h"
+#include "tools/kpf/media/media_output.h"
+#include "tools/kpf/terminal/tool_error.h"
 
 namespace KPF_TOOL {
 namespace {

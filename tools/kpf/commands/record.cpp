@@ -1,4 +1,4 @@
-#include "tools/kpf/record.h"
+#include "tools/kpf/commands/record.h"
 
 #include <fmt/format.h>
 
@@ -7,12 +7,12 @@
 #include <vector>
 
 #include "kpf_reader.h"
-#include "tools/kpf/media_input.h"
-#include "tools/kpf/recording_text.h"
-#include "tools/kpf/session.h"
-#include "tools/kpf/start_time.h"
-#include "tools/kpf/target.h"
-#include "tools/kpf/tool_error.h"
+#include "tools/kpf/media/media_input.h"
+#include "tools/kpf/recording/start_time.h"
+#include "tools/kpf/recording/target.h"
+#include "tools/kpf/terminal/recording_text.h"
+#include "tools/kpf/terminal/session.h"
+#include "tools/kpf/terminal/tool_error.h"
 #include "vlm_internal.h"
 
 namespace KPF_TOOL {

@@ -1,4 +1,4 @@
-#include "tools/kpf/canvas.h"
+#include "tools/kpf/frames/canvas.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "tools/kpf/check_records.h"
+#include "tools/kpf/checks/check_records.h"
 
 #include <fmt/format.h>
 
@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "tools/kpf/recording_text.h"
+#include "tools/kpf/terminal/recording_text.h"
 
 namespace KPF_TOOL {
 using KPF_READER::DivFile;

@@ -1,4 +1,4 @@
-#include "tools/kpf/check_files.h"
+#include "tools/kpf/checks/check_files.h"
 
 #include <fmt/format.h>
 
@@ -8,7 +8,7 @@
 #include <string_view>
 #include <system_error>
 
-#include "tools/kpf/recording_text.h"
+#include "tools/kpf/terminal/recording_text.h"
 
 namespace KPF_TOOL {
 namespace fs = std::filesystem;

@@ -1,4 +1,4 @@
-#include "tools/kpf/session.h"
+#include "tools/kpf/terminal/session.h"
 
 #include <fmt/format.h>
 #include <sys/stat.h>
@@ -6,7 +6,7 @@
 
 #include <csignal>
 
-#include "tools/kpf/tool_error.h"
+#include "tools/kpf/terminal/tool_error.h"
 
 namespace KPF_TOOL {
 namespace {

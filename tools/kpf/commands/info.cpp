@@ -1,12 +1,12 @@
-#include "tools/kpf/info.h"
+#include "tools/kpf/commands/info.h"
 
 #include <fmt/format.h>
 
 #include <nlohmann/json.hpp>
 
 #include "kpf_reader.h"
-#include "tools/kpf/check_files.h"
-#include "tools/kpf/recording_text.h"
+#include "tools/kpf/checks/check_files.h"
+#include "tools/kpf/terminal/recording_text.h"
 
 namespace KPF_TOOL {
 using Json = nlohmann::ordered_json;

@@ -3,7 +3,7 @@
 #define CHECK_FILES_H
 
 #include "kpf_reader.h"
-#include "tools/kpf/findings.h"
+#include "tools/kpf/checks/findings.h"
 
 namespace KPF_TOOL {
 

@@ -1,4 +1,4 @@
-#include "tools/kpf/media_output.h"
+#include "tools/kpf/media/media_output.h"
 
 #include <fmt/format.h>
 #include <unistd.h>
@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "tools/kpf/tool_error.h"
+#include "tools/kpf/terminal/tool_error.h"
 
 namespace KPF_TOOL {
 namespace {

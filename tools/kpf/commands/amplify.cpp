@@ -1,4 +1,4 @@
-#include "tools/kpf/amplify.h"
+#include "tools/kpf/commands/amplify.h"
 
 #include <fmt/format.h>
 
@@ -7,11 +7,11 @@
 #include <new>
 #include <vector>
 
-#include "tools/kpf/canvas.h"
-#include "tools/kpf/frame_source.h"
-#include "tools/kpf/media_output.h"
-#include "tools/kpf/session.h"
-#include "tools/kpf/tool_error.h"
+#include "tools/kpf/frames/canvas.h"
+#include "tools/kpf/frames/frame_source.h"
+#include "tools/kpf/media/media_output.h"
+#include "tools/kpf/terminal/session.h"
+#include "tools/kpf/terminal/tool_error.h"
 #include "vlm_internal.h"
 
 namespace KPF_TOOL {

@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "tools/kpf/media_input.h"
+#include "tools/kpf/media/media_input.h"
 
 namespace KPF_TOOL {
 

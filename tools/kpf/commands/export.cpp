@@ -1,14 +1,14 @@
-#include "tools/kpf/export.h"
+#include "tools/kpf/commands/export.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <vector>
 
-#include "tools/kpf/frame_source.h"
-#include "tools/kpf/media_output.h"
-#include "tools/kpf/session.h"
-#include "tools/kpf/tool_error.h"
+#include "tools/kpf/frames/frame_source.h"
+#include "tools/kpf/media/media_output.h"
+#include "tools/kpf/terminal/session.h"
+#include "tools/kpf/terminal/tool_error.h"
 
 namespace KPF_TOOL {
 namespace {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/kpf/ffmpeg.h"
+#include "tools/kpf/media/ffmpeg.h"
 
 namespace KPF_TOOL {
 

@@ -1,4 +1,4 @@
-#include "tools/kpf/findings.h"
+#include "tools/kpf/checks/findings.h"
 
 namespace KPF_TOOL {
 namespace {

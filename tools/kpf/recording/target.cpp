@@ -1,12 +1,12 @@
-#include "tools/kpf/target.h"
+#include "tools/kpf/recording/target.h"
 
 #include <fmt/format.h>
 
 #include <filesystem>
 #include <regex>
 
-#include "tools/kpf/recording_text.h"
-#include "tools/kpf/tool_error.h"
+#include "tools/kpf/terminal/recording_text.h"
+#include "tools/kpf/terminal/tool_error.h"
 
 namespace KPF_TOOL {
 namespace fs = std::filesystem;

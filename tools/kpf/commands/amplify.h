@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "tools/kpf/export.h"
+#include "tools/kpf/commands/export.h"
 
 namespace KPF_TOOL {
 

@@ -1,4 +1,4 @@
-#include "tools/kpf/frame_source.h"
+#include "tools/kpf/frames/frame_source.h"
 
 #include <algorithm>
 #include <vector>

@@ -1,12 +1,12 @@
-#include "tools/kpf/media_input.h"
+#include "tools/kpf/media/media_input.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cstring>
 
-#include "tools/kpf/session.h"
-#include "tools/kpf/tool_error.h"
+#include "tools/kpf/terminal/session.h"
+#include "tools/kpf/terminal/tool_error.h"
 
 namespace KPF_TOOL {
 namespace {

@@ -1,4 +1,4 @@
-#include "tools/kpf/start_time.h"
+#include "tools/kpf/recording/start_time.h"
 
 #include <fmt/format.h>
 
@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <regex>
 
-#include "tools/kpf/tool_error.h"
+#include "tools/kpf/terminal/tool_error.h"
 
 namespace KPF_TOOL {
 namespace {

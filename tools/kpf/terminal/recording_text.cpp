@@ -1,4 +1,4 @@
-#include "tools/kpf/recording_text.h"
+#include "tools/kpf/terminal/recording_text.h"
 
 #include <fmt/chrono.h>
 #include <fmt/format.h>
