@@ -100,11 +100,11 @@ void packOnTeam(const ImagePacker& packer, std::size_t items, bool worthATeam) {
 }  // namespace
 
 void VxKPFPacked::setHeader(unsigned sequenceNumber, long long seconds, unsigned microseconds) {
-  namespace layout = KPF_LAYOUT::FRAME_HEADER;
+  namespace layout = KPF_FORMAT::FRAME_HEADER;
   header.resize(layout::kSize);
-  KPF_LAYOUT::store(header.data(), layout::kSequenceNumber, sequenceNumber);
-  KPF_LAYOUT::store(header.data(), layout::kSeconds, static_cast<std::uint64_t>(seconds));
-  KPF_LAYOUT::store(header.data(), layout::kMicroseconds, microseconds);
+  KPF_FORMAT::store(header.data(), layout::kSequenceNumber, sequenceNumber);
+  KPF_FORMAT::store(header.data(), layout::kSeconds, static_cast<std::uint64_t>(seconds));
+  KPF_FORMAT::store(header.data(), layout::kMicroseconds, microseconds);
 }
 
 void VxKPFPacked::setPackedData(const unsigned char* data, unsigned totalSize, unsigned widthIn,

@@ -4,8 +4,8 @@
 
 #include <vector>
 
+#include "format/kpf_layout.h"
 #include "memory/vx_frame_memory.h"
-#include "packed/kpf_layout.h"
 
 namespace VX_KPF_PACKED {
 
@@ -25,7 +25,7 @@ constexpr unsigned packedFrameSize(unsigned width, unsigned height, unsigned bit
 class VxKPFPacked {
  public:
   /// Always 16, also while the frame has no header yet.
-  static constexpr unsigned getHeaderSize() { return KPF_LAYOUT::FRAME_HEADER::kSize; }
+  static constexpr unsigned getHeaderSize() { return KPF_FORMAT::FRAME_HEADER::kSize; }
 
   /// The 16 header bytes, or null while there are none.
   const unsigned char* getHeader() const { return header.empty() ? nullptr : header.data(); }

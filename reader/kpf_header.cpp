@@ -4,13 +4,13 @@
 #include <bit>
 #include <cmath>
 
-#include "packed/kpf_layout.h"
+#include "format/kpf_layout.h"
 
 namespace KPF_READER {
 namespace {
 
-using KPF_LAYOUT::Field;
-namespace layout = KPF_LAYOUT::HEADER;
+using KPF_FORMAT::Field;
+namespace layout = KPF_FORMAT::HEADER;
 
 /// Takes fields out of a header image that is long enough.
 class Fields {
@@ -19,11 +19,11 @@ class Fields {
       : image_(image), path_(path) {}
 
   std::uint32_t number(Field field) const {
-    return static_cast<std::uint32_t>(KPF_LAYOUT::load(image_.data(), field));
+    return static_cast<std::uint32_t>(KPF_FORMAT::load(image_.data(), field));
   }
 
   double finite(Field field, const char* name) const {
-    const auto value = std::bit_cast<double>(KPF_LAYOUT::load(image_.data(), field));
+    const auto value = std::bit_cast<double>(KPF_FORMAT::load(image_.data(), field));
     check(std::isfinite(value), field, std::string(name) + " is not a finite number");
     return value;
   }

@@ -4,14 +4,14 @@
 #include <bit>
 #include <string_view>
 
-#include "packed/kpf_layout.h"
+#include "format/kpf_layout.h"
 #include "reader/kpf_header.h"
 
 namespace KPF_READER {
 namespace {
 
-using KPF_LAYOUT::Field;
-namespace layout = KPF_LAYOUT::HEADER;
+using KPF_FORMAT::Field;
+namespace layout = KPF_FORMAT::HEADER;
 using Image = std::span<const unsigned char>;
 using Deviations = std::vector<HeaderDeviation>;
 constexpr auto kFixed = HeaderDeviation::Kind::kFixedBytes;
@@ -78,7 +78,7 @@ Image bytesOf(Image image, Field field) { return image.subspan(field.offset, fie
 
 void checkNumbers(Image image, Deviations& found) {
   for (const auto& [field, value] : kNumbers) {
-    if (KPF_LAYOUT::load(image.data(), field) == value) continue;
+    if (KPF_FORMAT::load(image.data(), field) == value) continue;
     found.push_back({kFixed, field.offset, "a fixed number has another value"});
   }
 }
@@ -133,7 +133,7 @@ void checkPair(Image image, Field first, Field second, const char* name, Deviati
 }
 
 void checkValue5(Image image, Deviations& found) {
-  if (KPF_LAYOUT::load(image.data(), layout::kValue5) <= 2) return;
+  if (KPF_FORMAT::load(image.data(), layout::kValue5) <= 2) return;
   found.push_back({kFixed, layout::kValue5.offset, "value5 is none of 0, 1 and 2"});
 }
 

@@ -6,7 +6,7 @@
 #include <fstream>
 #include <utility>
 
-#include "packed/kpf_layout.h"
+#include "format/kpf_layout.h"
 #include "reader/kpf_header.h"
 #include "reader/kpf_header_check.h"
 #include "reader/kpf_names.h"
@@ -14,7 +14,7 @@
 
 namespace KPF_READER {
 namespace fs = std::filesystem;
-namespace layout = KPF_LAYOUT::FRAME_HEADER;
+namespace layout = KPF_FORMAT::FRAME_HEADER;
 namespace {
 
 constexpr std::size_t kLongestStatusText = 4096;
@@ -49,8 +49,8 @@ bool allZero(std::span<const unsigned char> bytes) {
 
 FrameRecord parseRecord(std::span<const unsigned char> bytes) {
   FrameRecord record;
-  const auto number = [&bytes](KPF_LAYOUT::Field field) {
-    return KPF_LAYOUT::load(bytes.data(), field);
+  const auto number = [&bytes](KPF_FORMAT::Field field) {
+    return KPF_FORMAT::load(bytes.data(), field);
   };
   record.sequenceNumber = static_cast<std::uint32_t>(number(layout::kSequenceNumber));
   record.seconds = static_cast<std::int64_t>(number(layout::kSeconds));

@@ -11,9 +11,9 @@
 namespace VLM_KPF {
 namespace {
 
-using KPF_LAYOUT::Field;
-using KPF_LAYOUT::store;
-namespace layout = KPF_LAYOUT::HEADER;
+using KPF_FORMAT::Field;
+using KPF_FORMAT::store;
+namespace layout = KPF_FORMAT::HEADER;
 
 void storeDouble(HeaderImage& image, Field field, double value) {
   store(image.data(), field, std::bit_cast<std::uint64_t>(value));

@@ -4,12 +4,12 @@
 
 #include <array>
 
-#include "packed/kpf_layout.h"
+#include "format/kpf_layout.h"
 #include "vlm_configuration.h"
 
 namespace VLM_KPF {
 
-using HeaderImage = std::array<unsigned char, KPF_LAYOUT::HEADER::kSize>;
+using HeaderImage = std::array<unsigned char, KPF_FORMAT::HEADER::kSize>;
 
 /// Every byte of the header file but the identifiers, which stay zero.
 HeaderImage headerImage(const VLM_INTERNAL::VXP_STREAM_CONFIGURATION& configuration,

@@ -139,7 +139,7 @@ void VxKPFPackedStream::calcFrameTime(unsigned frame, unsigned long long& second
 }
 
 bool VxKPFPackedStream::initializeHeader(std::ofstream* streamPtr) {
-  namespace layout = KPF_LAYOUT::HEADER;
+  namespace layout = KPF_FORMAT::HEADER;
   if (streamPtr == nullptr) {
     VxLogger::factory()->vx_log(7, "%s: streamPtr is null!", "initializeHeader");
     return false;
@@ -161,7 +161,7 @@ bool VxKPFPackedStream::initializeHeader(std::ofstream* streamPtr) {
 void VxKPFPackedStream::guidGen(unsigned char* out) {
   std::srand(static_cast<unsigned>(std::time(nullptr)));
   for (std::size_t part = 0; part < 4; ++part) {
-    KPF_LAYOUT::store(out, {4 * part, 4}, static_cast<unsigned>(std::rand()));
+    KPF_FORMAT::store(out, {4 * part, 4}, static_cast<unsigned>(std::rand()));
   }
 }
 

@@ -1,7 +1,7 @@
 // Sizes, and conversion into the caller's own buffer.
 #include <chrono>
 
-#include "packed/kpf_layout.h"
+#include "format/kpf_layout.h"
 #include "tests/support/library_test.h"
 #include "vlm_internal.h"
 
@@ -35,7 +35,7 @@ TEST_F(Convert, WritesHeaderAndPixelsAndNothingElse) {
 }
 
 TEST_F(Convert, StampsThePresentTime) {
-  namespace layout = KPF_LAYOUT::FRAME_HEADER;
+  namespace layout = KPF_FORMAT::FRAME_HEADER;
   using std::chrono::microseconds;
   using std::chrono::system_clock;
   const auto now = [] {
@@ -46,9 +46,9 @@ TEST_F(Convert, StampsThePresentTime) {
   const auto before = now();
   ASSERT_EQ(vxConvertTiffImageData(pixel, out.data(), 0, 1, 1, 8), 0);
   const auto after = now();
-  const auto rest = static_cast<long long>(KPF_LAYOUT::load(out.data(), layout::kMicroseconds));
+  const auto rest = static_cast<long long>(KPF_FORMAT::load(out.data(), layout::kMicroseconds));
   const auto stamped =
-      static_cast<long long>(KPF_LAYOUT::load(out.data(), layout::kSeconds)) * 1000000 + rest;
+      static_cast<long long>(KPF_FORMAT::load(out.data(), layout::kSeconds)) * 1000000 + rest;
   EXPECT_LT(rest, 1000000);
   EXPECT_LE(before, stamped);
   EXPECT_LE(stamped, after);

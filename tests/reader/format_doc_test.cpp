@@ -3,8 +3,8 @@
 #include <regex>
 #include <sstream>
 
+#include "format/kpf_layout.h"
 #include "kpf_reader.h"
-#include "packed/kpf_layout.h"
 #include "tests/support/library_test.h"
 #include "vlm_internal.h"
 
@@ -88,8 +88,8 @@ TEST_F(FormatDocument, HeaderTableListsEveryFieldWithoutAGap) {
     listed.emplace_back(std::stoul((*match)[1]), std::stoul((*match)[2]));
   }
   std::vector<std::pair<std::size_t, std::size_t>> fields;
-  for (const auto field : KPF_LAYOUT::HEADER::kAll) fields.emplace_back(field.offset, field.size);
-  for (const auto field : KPF_LAYOUT::FRAME_HEADER::kAll) {
+  for (const auto field : KPF_FORMAT::HEADER::kAll) fields.emplace_back(field.offset, field.size);
+  for (const auto field : KPF_FORMAT::FRAME_HEADER::kAll) {
     fields.emplace_back(field.offset, field.size);
   }
   EXPECT_EQ(listed, fields);

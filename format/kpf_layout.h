@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <iterator>
 
-namespace KPF_LAYOUT {
+namespace KPF_FORMAT {
 
 struct Field {
   std::size_t offset;
@@ -108,6 +108,6 @@ inline std::uint64_t load(const unsigned char* image, Field field) {
   return value;
 }
 
-}  // namespace KPF_LAYOUT
+}  // namespace KPF_FORMAT
 
 #endif
