@@ -151,8 +151,10 @@ VLM_API int vxCloseMotionAmplifier(unsigned int maHandle);
  */
 VLM_API int vxMAAddFrame(unsigned int maHandle, unsigned char* framePtr);
 
-/** Whether a frame can be delivered; false for a bad handle. May be called beside other calls on
- * the amplifier. */
+/**
+ * Whether a frame can be delivered; false for a bad handle. May be called beside other calls on the
+ * amplifier.
+ */
 VLM_API bool vxMAAvailable(unsigned int maHandle);
 
 /**
@@ -172,12 +174,15 @@ VLM_API int vxMAGetFrame(unsigned int maHandle, unsigned char* frameOut);
  */
 VLM_API int vxMAGetRefFrame(unsigned int maHandle, unsigned char* refOut);
 
-/** @return W, which can be 0 or negative; 0 for handle 0 or one out of range, 10 for a closed
- * one. */
+/**
+ * @return W, which can be 0 or negative; 0 for handle 0 or one out of range, 10 for a closed one.
+ */
 VLM_API int vxMAGetRefWindowSize(unsigned int maHandle);
 
-/** Sets the factor, to whole numbers only; the window stays. May be called beside other calls on
- * the amplifier. A bad handle is logged. */
+/**
+ * Sets the factor, to whole numbers only; the window stays. May be called beside other calls on the
+ * amplifier. A bad handle is logged.
+ */
 VLM_API void vxMAUpdateAmpFactor(unsigned int maHandle, int ampFactor);
 
 #ifdef __cplusplus
