@@ -1,5 +1,4 @@
-// Which of a room's kernel sets is in use. For the choosers only: a file that is compiled for one
-// instruction set would carry these inline functions to processors without it.
+// Which of several sets of kernels is in use, each written for one instruction set.
 #ifndef CPU_KERNEL_CHOICE_H
 #define CPU_KERNEL_CHOICE_H
 
@@ -13,8 +12,8 @@
 namespace CPU {
 
 /// Whether this processor runs what is compiled for `isa`.
-inline bool runs([[maybe_unused]] Isa isa) {
-#ifdef VLM_X86_KERNELS
+inline bool runs(Isa isa) {
+#ifdef __x86_64__
   const bool avx2 = __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("fma") != 0;
   if (isa == Isa::kAvx2) return avx2;
   if (isa == Isa::kAvx512) {
@@ -26,45 +25,53 @@ inline bool runs([[maybe_unused]] Isa isa) {
   return isa == Isa::kPlain;
 }
 
-/// One set of kernels for each instruction set, in the order of `Isa`; null where the build has
-/// none. Safe on any thread.
-template <class Kernels>
+/**
+ * Chooses among sets of the type `Set`, a record of function pointers, one for each instruction
+ * set.
+ *
+ * Safe on any thread. The files of the kernels themselves may see this but not use it: they would
+ * carry its inline functions, compiled for their instruction set, to processors without it.
+ */
+template <class Set>
 class KernelChoice {
  public:
-  template <class... Sets>
-  explicit constexpr KernelChoice(Sets... sets) : sets_{sets...} {}
+  /// Null stands for what the build has not.
+  explicit constexpr KernelChoice(const Set* plain, const Set* avx2 = nullptr,
+                                  const Set* avx512 = nullptr)
+      : sets_{plain, avx2, avx512} {}
 
   /// The set of `isa`, or null where this processor or build does not have it.
-  const Kernels* of(Isa isa) const {
+  const Set* of(Isa isa) const {
     return runs(isa) ? sets_[static_cast<std::size_t>(isa)] : nullptr;
   }
 
   /// The fastest set that this processor runs, looked up once, unless another was forced.
-  const Kernels& inUse() {
+  const Set& inUse() {
     // Threads that come here first together look up the same set.
-    const Kernels* kernels = inUse_;
-    if (kernels == nullptr) inUse_ = kernels = fastest();
-    return *kernels;
+    const Set* set = inUse_;
+    if (set == nullptr) inUse_ = set = fastest();
+    return *set;
   }
 
-  /// Uses the set of `isa` from now on. @return false, and nothing changes, where there is none.
+  /// For tests and benchmarks: uses the set of `isa` from now on.
+  /// @return false, and nothing changes, where there is none.
   bool force(Isa isa) {
-    const Kernels* const kernels = of(isa);
-    if (kernels != nullptr) inUse_ = kernels;
-    return kernels != nullptr;
+    const Set* const set = of(isa);
+    if (set != nullptr) inUse_ = set;
+    return set != nullptr;
   }
 
  private:
-  const Kernels* fastest() const {
-    const Kernels* found = nullptr;
+  const Set* fastest() const {
+    const Set* found = nullptr;
     for (const Isa isa : kAllIsas) {
       if (of(isa) != nullptr) found = of(isa);
     }
     return found;
   }
 
-  std::array<const Kernels*, std::size(kAllIsas)> sets_;
-  std::atomic<const Kernels*> inUse_{nullptr};
+  std::array<const Set*, std::size(kAllIsas)> sets_;  // in the order of `Isa`
+  std::atomic<const Set*> inUse_{nullptr};
 };
 
 }  // namespace CPU

@@ -63,9 +63,9 @@ Bytes amplify(const VLM_KPF::MotionKernels& kernels, const Job& job) {
 
 /// The result of one set, or nothing where it does not run here.
 Bytes run(Isa isa, const Job& job) {
-  const auto* const packing = VX_KPF_PACKED::packKernelsOf(isa);
-  const auto* const unpacking = KPF_READER::unpackKernelsOf(isa);
-  const auto* const motion = VLM_KPF::motionKernelsOf(isa);
+  const auto* const packing = VX_KPF_PACKED::packKernels.of(isa);
+  const auto* const unpacking = KPF_READER::unpackKernels.of(isa);
+  const auto* const motion = VLM_KPF::motionKernels.of(isa);
   if (packing == nullptr || unpacking == nullptr || motion == nullptr) return {};
   if (job.kernel <= 1) return pack(*packing, job);
   return job.kernel == 2 ? unpack(*unpacking, job) : amplify(*motion, job);

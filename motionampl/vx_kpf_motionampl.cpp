@@ -50,7 +50,7 @@ GainTable tabulateGain(double factor) {
 /// divide.
 void amplifyOnTeam(const unsigned char* frame, const unsigned char* reference,
                    const GainTable& gain, unsigned char* out, std::size_t samples) {
-  const auto amplify = motionKernels().amplify;
+  const auto amplify = motionKernels.inUse().amplify;
   const bool worthATeam = samples >= kParallelSamples;
 #pragma omp parallel default(none) \
     shared(amplify, frame, reference, gain, out, samples) if (worthATeam)
@@ -105,11 +105,11 @@ void VxKPFMotionAmpl::addFrame(unsigned char* frame) {
   frames.push_back(frame);  // first, as nothing behind it can fail
   if (evict) {
     unsigned char* const oldest = frames.front();
-    motionKernels().exchange(summer->data(), frame, oldest, summer->size());
+    motionKernels.inUse().exchange(summer->data(), frame, oldest, summer->size());
     frames.pop_front();
     ::operator delete(oldest);
   } else {
-    motionKernels().add(summer->data(), frame, summer->size());
+    motionKernels.inUse().add(summer->data(), frame, summer->size());
   }
   heldFrames_ = frames.size();
 }
@@ -120,8 +120,8 @@ bool VxKPFMotionAmpl::getReference(unsigned char* out) {
   const std::lock_guard lock(mutex);
   if (summer == nullptr || !windowIsFull(frames.size())) return false;
   // W, not the W - 1 frames held: the reference lies that much below their mean.
-  motionKernels().divide(summer->data(), static_cast<std::uint32_t>(refWindowSize), out,
-                         summer->size());
+  motionKernels.inUse().divide(summer->data(), static_cast<std::uint32_t>(refWindowSize), out,
+                               summer->size());
   return true;
 }
 

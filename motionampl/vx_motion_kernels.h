@@ -5,11 +5,9 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "cpu/isa.h"
+#include "cpu/kernel_choice.h"
 
 namespace VLM_KPF {
-
-using CPU::Isa;
 
 /// Entries of a gain table: what is added to a sample, by its difference from the reference.
 inline constexpr std::size_t kGains = 256;
@@ -35,15 +33,8 @@ struct MotionKernels {
                   const unsigned char* gain, unsigned char* out, std::size_t samples);
 };
 
-/// The set in use: the fastest that this processor runs, unless another was forced.
-const MotionKernels& motionKernels();
-
-/// The set of an instruction set, or null where this processor or build does not have it.
-const MotionKernels* motionKernelsOf(Isa isa);
-
-/// For tests and benchmarks: uses the set of `isa` from now on.
-/// @return false, and nothing changes, where there is none.
-bool forceMotionKernels(Isa isa);
+/// The sets of the amplifier, and which of them is in use.
+extern CPU::KernelChoice<MotionKernels> motionKernels;
 
 }  // namespace VLM_KPF
 

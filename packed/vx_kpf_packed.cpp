@@ -77,7 +77,7 @@ class ImagePacker {
     std::fill(packed_ + end, packed_ + (row + 1) * width_ * 3 / 2, static_cast<unsigned char>(0));
   }
 
-  const PackKernels& kernels_ = packKernels();
+  const PackKernels& kernels_ = packKernels.inUse();
   const unsigned char* image_;
   unsigned char* packed_;
   std::size_t width_;

@@ -2,7 +2,6 @@
 
 #include <cstring>
 
-#include "cpu/kernel_choice.h"
 #include "packed/vx_pack_kernels_isa.h"
 
 namespace VX_KPF_PACKED {
@@ -14,12 +13,6 @@ void copyRow(const unsigned char* in, unsigned char* out, std::size_t size) {
 
 constexpr PackKernels kPlain{packPairsPlain, copyRow};
 
-#ifdef VLM_X86_KERNELS
-constinit CPU::KernelChoice<PackKernels> choice(&kPlain, &kPackKernelsAvx2, &kPackKernelsAvx512);
-#else
-constinit CPU::KernelChoice<PackKernels> choice(&kPlain, nullptr, nullptr);
-#endif
-
 }  // namespace
 
 void packPairsPlain(const unsigned char* in, unsigned char* out, std::size_t pairs) {
@@ -30,10 +23,11 @@ void packPairsPlain(const unsigned char* in, unsigned char* out, std::size_t pai
   }
 }
 
-const PackKernels& packKernels() { return choice.inUse(); }
-
-const PackKernels* packKernelsOf(Isa isa) { return choice.of(isa); }
-
-bool forcePackKernels(Isa isa) { return choice.force(isa); }
+#ifdef VLM_X86_KERNELS
+constinit CPU::KernelChoice<PackKernels> packKernels(&kPlain, &kPackKernelsAvx2,
+                                                     &kPackKernelsAvx512);
+#else
+constinit CPU::KernelChoice<PackKernels> packKernels(&kPlain);
+#endif
 
 }  // namespace VX_KPF_PACKED

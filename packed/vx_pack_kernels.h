@@ -4,11 +4,9 @@
 
 #include <cstddef>
 
-#include "cpu/isa.h"
+#include "cpu/kernel_choice.h"
 
 namespace VX_KPF_PACKED {
-
-using CPU::Isa;
 
 /// All sets give the same bytes; the plain one is the definition of the format.
 struct PackKernels {
@@ -25,15 +23,8 @@ struct PackKernels {
   void (*copyRow)(const unsigned char* in, unsigned char* out, std::size_t size);
 };
 
-/// The set in use: the fastest that this processor runs, unless another was forced.
-const PackKernels& packKernels();
-
-/// The set of an instruction set, or null where this processor or build does not have it.
-const PackKernels* packKernelsOf(Isa isa);
-
-/// For tests and benchmarks: uses the set of `isa` from now on.
-/// @return false, and nothing changes, where there is none.
-bool forcePackKernels(Isa isa);
+/// The sets of packing, and which of them is in use.
+extern CPU::KernelChoice<PackKernels> packKernels;
 
 }  // namespace VX_KPF_PACKED
 

@@ -18,14 +18,14 @@ void unpack8(std::span<const unsigned char> pixels, std::span<std::uint16_t> sam
 void unpack12(const Header& header, const unsigned char* pixels, std::uint16_t* samples) {
   const std::size_t width = header.width;
   for (std::size_t first = 0; first < header.pixelCount(); first += width) {
-    unpackKernels().unpackPairs(pixels + first * 3 / 2, samples + first, width / 2);
+    unpackKernels.inUse().unpackPairs(pixels + first * 3 / 2, samples + first, width / 2);
     if (width % 2 != 0) samples[first + width - 1] = 0;
   }
 }
 
 /// Rows of an even width follow each other without a gap: the frame is one long run.
 void unpackRun12(const Header& header, const unsigned char* pixels, std::uint16_t* samples) {
-  unpackKernels().unpackPairs(pixels, samples, header.pixelCount() / 2);
+  unpackKernels.inUse().unpackPairs(pixels, samples, header.pixelCount() / 2);
 }
 
 }  // namespace

@@ -1,19 +1,11 @@
 #include "reader/kpf_unpack_kernels.h"
 
-#include "cpu/kernel_choice.h"
 #include "reader/kpf_unpack_kernels_isa.h"
 
 namespace KPF_READER {
 namespace {
 
 constexpr UnpackKernels kPlain{unpackPairsPlain};
-
-#ifdef VLM_X86_KERNELS
-constinit CPU::KernelChoice<UnpackKernels> choice(&kPlain, &kUnpackKernelsAvx2,
-                                                  &kUnpackKernelsAvx512);
-#else
-constinit CPU::KernelChoice<UnpackKernels> choice(&kPlain, nullptr, nullptr);
-#endif
 
 }  // namespace
 
@@ -25,10 +17,11 @@ void unpackPairsPlain(const unsigned char* in, std::uint16_t* out, std::size_t p
   }
 }
 
-const UnpackKernels& unpackKernels() { return choice.inUse(); }
-
-const UnpackKernels* unpackKernelsOf(Isa isa) { return choice.of(isa); }
-
-bool forceUnpackKernels(Isa isa) { return choice.force(isa); }
+#ifdef VLM_X86_KERNELS
+constinit CPU::KernelChoice<UnpackKernels> unpackKernels(&kPlain, &kUnpackKernelsAvx2,
+                                                         &kUnpackKernelsAvx512);
+#else
+constinit CPU::KernelChoice<UnpackKernels> unpackKernels(&kPlain);
+#endif
 
 }  // namespace KPF_READER

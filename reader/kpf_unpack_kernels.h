@@ -5,11 +5,9 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "cpu/isa.h"
+#include "cpu/kernel_choice.h"
 
 namespace KPF_READER {
-
-using CPU::Isa;
 
 /// All sets give the same samples; the plain one is the definition.
 struct UnpackKernels {
@@ -23,15 +21,8 @@ struct UnpackKernels {
   void (*unpackPairs)(const unsigned char* in, std::uint16_t* out, std::size_t pairs);
 };
 
-/// The set in use: the fastest that this processor runs, unless another was forced.
-const UnpackKernels& unpackKernels();
-
-/// The set of an instruction set, or null where this processor or build does not have it.
-const UnpackKernels* unpackKernelsOf(Isa isa);
-
-/// For tests and benchmarks: uses the set of `isa` from now on.
-/// @return false, and nothing changes, where there is none.
-bool forceUnpackKernels(Isa isa);
+/// The sets of unpacking, and which of them is in use.
+extern CPU::KernelChoice<UnpackKernels> unpackKernels;
 
 }  // namespace KPF_READER
 

@@ -79,8 +79,8 @@ Job amplifyJob(FrameSize size, bool quiet, double factor = kGain) {
     gain[d] = static_cast<unsigned char>(static_cast<int>(static_cast<double>(d) * factor));
   }
   return [=] {
-    VLM_KPF::motionKernels().amplify(frames->next(), reference.data(), gain.data(), out->next(),
-                                     size.pixels());
+    VLM_KPF::motionKernels.inUse().amplify(frames->next(), reference.data(), gain.data(),
+                                           out->next(), size.pixels());
   };
 }
 

@@ -24,8 +24,9 @@ Job packJob(FrameSize size) {
   const std::size_t moved = movedAt12Bits(size);
   auto in = std::make_shared<BufferRing>(size.pixels() * 2, moved);
   auto out = std::make_shared<BufferRing>(size.pixels() * 3 / 2, moved);
-  return
-      [=] { VX_KPF_PACKED::packKernels().packPairs(in->next(), out->next(), size.pixels() / 2); };
+  return [=] {
+    VX_KPF_PACKED::packKernels.inUse().packPairs(in->next(), out->next(), size.pixels() / 2);
+  };
 }
 
 std::size_t imageSize(FrameSize size, int bitsPerPixel) {

@@ -9,19 +9,15 @@
 #include <vector>
 
 #include "tests/support/kernel_inputs.h"
+#include "tests/support/kernel_test.h"
 
 namespace {
 
 using TEST_SUPPORT::filled;
 using TEST_SUPPORT::forKernelInputs;
-using TEST_SUPPORT::isaName;
 using TEST_SUPPORT::Source;
-using VLM_KPF::forceMotionKernels;
-using VLM_KPF::Isa;
 using VLM_KPF::kGains;
 using VLM_KPF::MotionKernels;
-using VLM_KPF::motionKernels;
-using VLM_KPF::motionKernelsOf;
 
 using Samples = std::vector<unsigned char>;
 using Sums = std::vector<std::uint32_t>;
@@ -56,14 +52,9 @@ class Guarded {
   std::vector<Element> all_;
 };
 
-class MotionKernelsOf : public testing::TestWithParam<Isa> {
+class MotionKernelsOf : public TEST_SUPPORT::KernelTest<MotionKernels> {
  protected:
-  void SetUp() override {
-    if (kernels == nullptr) GTEST_SKIP() << "not on this processor";
-  }
-
-  const MotionKernels& plain = *motionKernelsOf(Isa::kPlain);
-  const MotionKernels* const kernels = motionKernelsOf(GetParam());
+  MotionKernelsOf() : KernelTest(VLM_KPF::motionKernels) {}
 };
 
 TEST_P(MotionKernelsOf, AddsAsThePlainLoopDoes) {
@@ -216,31 +207,6 @@ TEST_P(MotionKernelsOf, DividesSmallSumsRightInHugeWindows) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(AllSets, MotionKernelsOf, testing::ValuesIn(CPU::kAllIsas), isaName);
-
-TEST(MotionKernelChoice, ForcedSetIsTheOneInUse) {
-  const MotionKernels& before = motionKernels();
-  for (const Isa isa : CPU::kAllIsas) {
-    const MotionKernels* const kernels = motionKernelsOf(isa);
-    EXPECT_EQ(forceMotionKernels(isa), kernels != nullptr);
-    if (kernels != nullptr) {
-      EXPECT_EQ(&motionKernels(), kernels);
-    }
-  }
-  for (const Isa isa : CPU::kAllIsas) {
-    if (motionKernelsOf(isa) == &before) forceMotionKernels(isa);
-  }
-  EXPECT_EQ(&motionKernels(), &before);
-}
-
-TEST(MotionKernelChoice, SetsDiffer) {
-  const MotionKernels* const plain = motionKernelsOf(Isa::kPlain);
-  for (const Isa isa : {Isa::kAvx2, Isa::kAvx512}) {
-    if (const MotionKernels* const kernels = motionKernelsOf(isa)) {
-      EXPECT_NE(kernels->amplify, plain->amplify);
-      EXPECT_NE(kernels->divide, plain->divide);
-    }
-  }
-}
+INSTANTIATE_KERNEL_TEST(MotionKernelsOf);
 
 }  // namespace

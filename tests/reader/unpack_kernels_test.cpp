@@ -5,14 +5,10 @@
 
 #include "tests/support/files.h"
 #include "tests/support/kernel_inputs.h"
+#include "tests/support/kernel_test.h"
 
 namespace {
 
-using KPF_READER::forceUnpackKernels;
-using KPF_READER::Isa;
-using KPF_READER::UnpackKernels;
-using KPF_READER::unpackKernels;
-using KPF_READER::unpackKernelsOf;
 using TEST_SUPPORT::Bytes;
 using TEST_SUPPORT::Source;
 using testing::ElementsAre;
@@ -20,13 +16,9 @@ using Samples = std::vector<std::uint16_t>;
 
 constexpr std::size_t kGuard = 64;  // samples before and behind an output
 
-class UnpackKernelsOf : public testing::TestWithParam<Isa> {
+class UnpackKernelsOf : public TEST_SUPPORT::KernelTest<KPF_READER::UnpackKernels> {
  protected:
-  void SetUp() override {
-    if (kernels == nullptr) GTEST_SKIP() << "not on this processor";
-  }
-
-  const UnpackKernels* const kernels = unpackKernelsOf(GetParam());
+  UnpackKernelsOf() : KernelTest(KPF_READER::unpackKernels) {}
 };
 
 TEST_P(UnpackKernelsOf, PairSharesItsMiddleByte) {
@@ -44,7 +36,6 @@ TEST_P(UnpackKernelsOf, NothingBehindThePairsIsTouched) {
 }
 
 TEST_P(UnpackKernelsOf, AllUnpackAsThePlainLoopDoes) {
-  const UnpackKernels& plain = *unpackKernelsOf(Isa::kPlain);
   TEST_SUPPORT::forKernelInputs([&](std::size_t pairs, std::size_t offset, const Source& source) {
     const auto in = TEST_SUPPORT::filled<unsigned char>(3 * pairs + offset, source);
     Samples out(kGuard + offset + 2 * pairs + kGuard, 0xA5A5);
@@ -55,30 +46,6 @@ TEST_P(UnpackKernelsOf, AllUnpackAsThePlainLoopDoes) {
   });
 }
 
-INSTANTIATE_TEST_SUITE_P(AllSets, UnpackKernelsOf, testing::ValuesIn(CPU::kAllIsas),
-                         TEST_SUPPORT::isaName);
-
-TEST(UnpackKernelChoice, ForcedSetIsTheOneInUse) {
-  const UnpackKernels& before = unpackKernels();
-  for (const Isa isa : CPU::kAllIsas) {
-    const UnpackKernels* const kernels = unpackKernelsOf(isa);
-    EXPECT_EQ(forceUnpackKernels(isa), kernels != nullptr);
-    if (kernels != nullptr) {
-      EXPECT_EQ(&unpackKernels(), kernels);
-    }
-  }
-  for (const Isa isa : CPU::kAllIsas) {
-    if (unpackKernelsOf(isa) == &before) forceUnpackKernels(isa);
-  }
-  EXPECT_EQ(&unpackKernels(), &before);
-}
-
-TEST(UnpackKernelChoice, SetsDiffer) {
-  for (const Isa isa : {Isa::kAvx2, Isa::kAvx512}) {
-    const UnpackKernels* const kernels = unpackKernelsOf(isa);
-    if (kernels == nullptr) continue;
-    EXPECT_NE(kernels->unpackPairs, unpackKernelsOf(Isa::kPlain)->unpackPairs);
-  }
-}
+INSTANTIATE_KERNEL_TEST(UnpackKernelsOf);
 
 }  // namespace

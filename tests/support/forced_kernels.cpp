@@ -19,8 +19,8 @@ bool forceKernels(std::string_view name) {
   for (std::size_t i = 0; i < std::size(kNames); ++i) {
     const CPU::Isa isa = CPU::kAllIsas[i];
     if (name == kNames[i]) {
-      return VX_KPF_PACKED::forcePackKernels(isa) && KPF_READER::forceUnpackKernels(isa) &&
-             VLM_KPF::forceMotionKernels(isa);
+      return VX_KPF_PACKED::packKernels.force(isa) && KPF_READER::unpackKernels.force(isa) &&
+             VLM_KPF::motionKernels.force(isa);
     }
   }
   return false;

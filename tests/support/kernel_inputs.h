@@ -7,10 +7,7 @@
 #include <functional>
 #include <memory>
 #include <random>
-#include <string>
 #include <vector>
-
-#include "cpu/isa.h"
 
 namespace TEST_SUPPORT {
 
@@ -44,11 +41,6 @@ inline void forKernelInputs(
       }
     }
   }
-}
-
-inline std::string isaName(const testing::TestParamInfo<CPU::Isa>& info) {
-  constexpr const char* kNames[] = {"Plain", "Avx2", "Avx512"};
-  return kNames[static_cast<std::size_t>(info.param)];
 }
 
 }  // namespace TEST_SUPPORT
