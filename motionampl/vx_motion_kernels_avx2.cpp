@@ -16,10 +16,6 @@ void store(unsigned char* to, __m256i samples) {
   _mm256_storeu_si256(reinterpret_cast<__m256i*>(to), samples);
 }
 
-__m256i twice(const unsigned char* table16) {
-  return _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(table16)));
-}
-
 // --- Reference -----------------------------------------------------------------------------------
 
 /// Eight quotients: (sum + 0.5) / window - 0.5, rounded to the nearest integer.
@@ -58,89 +54,88 @@ void divide(const std::uint32_t* sums, std::uint32_t window, unsigned char* out,
 // --- Amplification -------------------------------------------------------------------------------
 
 /**
- * A gain table as a line: gain[d] = d x slope, truncated, less one for some d. Of a negative
- * factor's table, that is true of 256 - gain[d].
+ * A gain table by its sixteen rows of sixteen: each is the first row raised by a number of its own,
+ * in some columns by one more.
  *
- * The tables of all factors are of this form: their steps are those of a fraction, and between two
- * fractions with denominators below 256 there is always one of 65536ths. A table was filled from
- * rounded products, though; those that rounding raised to the next integer bring the line up with
- * them, and what else it lifts over an integer is listed as surplus.
+ * The tables of factors are of this form: two truncated products add up to the truncated product of
+ * the sum, or to one less. Only where products come within a rounding of whole numbers can they
+ * miss it both ways in one row, and the plain loop takes such tables.
  */
-struct Line {
-  bool falling;               // the factor is negative: the line is of 256 - gain[d]
-  unsigned whole;             // of the slope, modulo 256
-  unsigned fraction;          // of the slope, in 65536ths
-  unsigned char surplus[32];  // bit (d / 16) % 8 of byte d % 16, plus 16 from 128 on
-  bool hasSurplus;
+struct Rows {
+  unsigned char first[16];
+  unsigned char raised[16];   // of every row
+  unsigned char more[2][16];  // bit r % 8 of more[r / 8]: the columns of row r that have one more
 };
 
-/// The lowest line that is nowhere below the table. @return false where none comes close enough.
-bool fitLine(const unsigned char* gain, bool falling, Line& line) {
-  const auto height = [=](unsigned d) { return (falling ? 256U - gain[d] : gain[d]) & 255; };
-  line = {falling, height(1), 0, {}, false};
-  for (unsigned d = 1; d < kGains; ++d) {
-    const unsigned part = (height(d) - d * line.whole) & 255;
-    const unsigned needed = (part * 65536 + d - 1) / d;
-    line.fraction = needed > line.fraction ? needed : line.fraction;
+/// @return false where the row is not of this form.
+bool splitRow(const unsigned char* gain, unsigned row, Rows& rows) {
+  const auto above = [=](unsigned column) {
+    return static_cast<unsigned char>(gain[16 * row + column] - gain[column]);
+  };
+  unsigned char& raised = rows.raised[row];
+  raised = above(0);
+  for (unsigned column = 0; column < 16; ++column) {
+    if (((above(column) + 1) & 255) == above(0)) raised = above(column);
   }
-  if (line.fraction > 65535) return false;
-  for (unsigned d = 0; d < kGains; ++d) {
-    const unsigned surplus = (d * line.whole + (d * line.fraction >> 16) - height(d)) & 255;
-    if (surplus > 1) return false;
-    if (surplus == 0) continue;
-    line.surplus[d % 16 + d / 128 * 16] |= static_cast<unsigned char>(1U << (d / 16 % 8));
-    line.hasSurplus = true;
+  for (unsigned column = 0; column < 16; ++column) {
+    const unsigned more = static_cast<unsigned>(above(column) - raised) & 255;
+    if (more > 1) return false;
+    rows.more[row / 8][column] |= static_cast<unsigned char>(more << row % 8);
   }
   return true;
 }
 
-/// Points of the line for 16 differences of 16 bits each, their upper bytes cleared.
-__m256i pointsOf(__m256i differences, const Line& line) {
-  const __m256i whole =
-      _mm256_mullo_epi16(differences, _mm256_set1_epi16(static_cast<short>(line.whole)));
-  const __m256i part =
-      _mm256_mulhi_epu16(differences, _mm256_set1_epi16(static_cast<short>(line.fraction)));
-  return _mm256_and_si256(_mm256_add_epi16(whole, part), _mm256_set1_epi16(255));
-}
-
-/// -1 for every difference that is listed, else 0. A shuffle looks at the low 4 bits of an index,
-/// and gives 0 where its bit 7 is set.
-__m256i surplusOf(__m256i differences, const Line& line) {
-  const __m256i lower = _mm256_shuffle_epi8(twice(line.surplus), differences);
-  const __m256i upper = _mm256_shuffle_epi8(twice(line.surplus + 16),
-                                            _mm256_xor_si256(differences, _mm256_set1_epi8(-128)));
-  const __m256i sixteenths =
-      _mm256_and_si256(_mm256_srli_epi16(differences, 4), _mm256_set1_epi8(7));
-  const __m256i bits = _mm256_setr_epi8(1, 2, 4, 8, 16, 32, 64, -128, 0, 0, 0, 0, 0, 0, 0, 0,  //
-                                        1, 2, 4, 8, 16, 32, 64, -128, 0, 0, 0, 0, 0, 0, 0, 0);
-  const __m256i bit = _mm256_shuffle_epi8(bits, sixteenths);
-  return _mm256_cmpeq_epi8(_mm256_and_si256(_mm256_or_si256(lower, upper), bit), bit);
-}
-
-template <bool kSurplus>
-void amplifyVectors(const unsigned char* frame, const unsigned char* reference, const Line& line,
-                    unsigned char* out, std::size_t samples) {
-  const __m256i zero = _mm256_setzero_si256();
-  const __m256i falling = _mm256_set1_epi8(line.falling ? -1 : 0);
-  for (std::size_t i = 0; i < samples; i += kVector) {
-    CPU::fetchOnceAhead(frame + i, kFrameAhead);
-    const __m256i newest = load(frame + i);
-    const __m256i differences = _mm256_subs_epu8(newest, load(reference + i));
-    __m256i gains = _mm256_packus_epi16(pointsOf(_mm256_unpacklo_epi8(differences, zero), line),
-                                        pointsOf(_mm256_unpackhi_epi8(differences, zero), line));
-    if constexpr (kSurplus) gains = _mm256_add_epi8(gains, surplusOf(differences, line));
-    gains = _mm256_sub_epi8(_mm256_xor_si256(gains, falling), falling);  // negative where falling
-    store(out + i, _mm256_adds_epu8(newest, gains));
+bool splitIntoRows(const unsigned char* gain, Rows& rows) {
+  rows = {};
+  for (unsigned row = 0; row < 16; ++row) {
+    rows.first[row] = gain[row];
+    if (!splitRow(gain, row, rows)) return false;
   }
+  return true;
 }
+
+__m256i twice(const unsigned char* table16) {
+  return _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(table16)));
+}
+
+/// A gain table held in registers.
+struct Gains {
+  explicit Gains(const Rows& rows)
+      : first(twice(rows.first)),
+        raised(twice(rows.raised)),
+        more{twice(rows.more[0]), twice(rows.more[1])} {}
+
+  __m256i of(__m256i differences) const {
+    const __m256i fourBits = _mm256_set1_epi8(15);
+    const __m256i bits = _mm256_set1_epi64x(static_cast<long long>(0x8040201008040201));
+    const __m256i column = _mm256_and_si256(differences, fourBits);
+    const __m256i row = _mm256_and_si256(_mm256_srli_epi16(differences, 4), fourBits);
+    const __m256i gains =
+        _mm256_add_epi8(_mm256_shuffle_epi8(first, column), _mm256_shuffle_epi8(raised, row));
+    // The uppermost bit of a difference chooses: it is set from row 8 on.
+    const __m256i rowsWithMore = _mm256_blendv_epi8(
+        _mm256_shuffle_epi8(more[0], column), _mm256_shuffle_epi8(more[1], column), differences);
+    const __m256i bit = _mm256_shuffle_epi8(bits, row);
+    const __m256i minusOne = _mm256_cmpeq_epi8(_mm256_and_si256(rowsWithMore, bit), bit);
+    return _mm256_sub_epi8(gains, minusOne);
+  }
+
+  __m256i first;
+  __m256i raised;
+  __m256i more[2];
+};
 
 void amplify(const unsigned char* frame, const unsigned char* reference, const unsigned char* gain,
              unsigned char* out, std::size_t samples) {
-  Line line;
-  const bool fits = fitLine(gain, false, line) || fitLine(gain, true, line);
-  const std::size_t inVectors = fits ? samples / kVector * kVector : 0;
-  const auto vectors = line.hasSurplus ? amplifyVectors<true> : amplifyVectors<false>;
-  vectors(frame, reference, line, out, inVectors);
+  Rows rows;
+  const std::size_t inVectors = splitIntoRows(gain, rows) ? samples / kVector * kVector : 0;
+  const Gains gains(rows);
+  for (std::size_t i = 0; i < inVectors; i += kVector) {
+    CPU::fetchOnceAhead(frame + i, kFrameAhead);
+    const __m256i newest = load(frame + i);
+    const __m256i differences = _mm256_subs_epu8(newest, load(reference + i));
+    store(out + i, _mm256_adds_epu8(newest, gains.of(differences)));
+  }
   amplifyLoop(frame + inVectors, reference + inVectors, gain, out + inVectors, samples - inVectors);
 }
 

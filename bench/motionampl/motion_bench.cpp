@@ -5,7 +5,10 @@
 #include <cstdint>
 #include <memory>
 #include <new>
+#include <string>
+#include <vector>
 
+#include "bench/motionampl/gain_shuffles.h"
 #include "bench/support/jobs.h"
 #include "motionampl/vx_kpf_motionampl.h"
 #include "motionampl/vx_motion_kernels.h"
@@ -66,22 +69,31 @@ void makeQuiet(Bytes& reference, const unsigned char* frame) {
   }
 }
 
+struct Scene {
+  const char* name;
+  bool quiet;
+  double factor;
+};
+
+constexpr Scene kScenes[] = {
+    {"quiet", true, kGain}, {"busy", false, kGain}, {"negative", false, -kGain}};
+
+using Amplify = decltype(VLM_KPF::MotionKernels::amplify);
+
 /// The loop alone, by a table as the amplifier makes it. The reference is in one place for every
 /// frame, as the amplifier's is.
-Job amplifyJob(FrameSize size, bool quiet, double factor = kGain) {
+Job amplifyJob(Amplify amplify, FrameSize size, const Scene& scene) {
   const std::size_t moved = size.pixels() * kAmplifyMoves;
   auto frames = std::make_shared<BufferRing>(size.pixels(), moved);
   auto out = std::make_shared<BufferRing>(size.pixels(), moved);
   Bytes reference = randomBytes(size.pixels(), 2);
-  if (quiet) makeQuiet(reference, frames->next());  // the buffers of a ring begin alike
+  if (scene.quiet) makeQuiet(reference, frames->next());  // the buffers of a ring begin alike
   Bytes gain(VLM_KPF::kGains);
   for (std::size_t d = 0; d < gain.size(); ++d) {
-    gain[d] = static_cast<unsigned char>(static_cast<int>(static_cast<double>(d) * factor));
+    gain[d] = static_cast<unsigned char>(static_cast<int>(static_cast<double>(d) * scene.factor));
   }
-  return [=] {
-    VLM_KPF::motionKernels.inUse().amplify(frames->next(), reference.data(), gain.data(),
-                                           out->next(), size.pixels());
-  };
+  return
+      [=] { amplify(frames->next(), reference.data(), gain.data(), out->next(), size.pixels()); };
 }
 
 /// What a frame costs the caller: add it, and get it back amplified.
@@ -152,14 +164,23 @@ Job plainFrameJob(FrameSize size) {
   return [=] { amplifier->frame(frames->next(), frames->next(), out->next()); };
 }
 
+void addAmplifyJobs(FrameSize size, const Scene& scene) {
+  const std::string name = std::string("amplify-") + scene.name;
+  const std::size_t moved = size.pixels() * kAmplifyMoves;
+  const VLM_KPF::MotionKernels& kernels = VLM_KPF::motionKernels.inUse();
+  addJob(name, size, moved, [=] { return amplifyJob(kernels.amplify, size, scene); });
+#ifdef VLM_X86_KERNELS
+  if (&kernels != VLM_KPF::motionKernels.of(CPU::Isa::kAvx2)) return;
+  addLoneJob(name + "/shuffles", size, moved,
+             [=] { return amplifyJob(amplifyByShuffles, size, scene); });
+#endif
+}
+
 void addJobsOf(FrameSize size) {
   const std::size_t pixels = size.pixels();
   addJob("addFrame", size, pixels * kAddMoves, [=] { return addJob(size, kLongWindow); });
   addJob("getReference", size, pixels * kReferenceMoves, [=] { return referenceJob(size); });
-  addJob("amplify-quiet", size, pixels * kAmplifyMoves, [=] { return amplifyJob(size, true); });
-  addJob("amplify-busy", size, pixels * kAmplifyMoves, [=] { return amplifyJob(size, false); });
-  addJob("amplify-negative", size, pixels * kAmplifyMoves,
-         [=] { return amplifyJob(size, false, -kGain); });
+  for (const Scene& scene : kScenes) addAmplifyJobs(size, scene);
   addLoneJob("amplifier", size, pixels * kFrameMoves, [=] { return frameJob(size, kLongWindow); });
   addLoneJob("amplifier/plain", size, pixels * kFrameMoves, [=] { return plainFrameJob(size); });
 }
