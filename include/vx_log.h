@@ -17,6 +17,9 @@
 
 namespace VX_LOG {
 
+/// The levels that the library's lines have: severities as the system log numbers them.
+enum Level : unsigned { kError = 3, kWarning = 4, kDebug = 7 };
+
 /**
  * Writes lines to standard output and, once set, to a file.
  *
@@ -55,7 +58,7 @@ class VxLogger {
    * Writes one line: `format` and its arguments by the rules of printf, cut at 1023 bytes, and a
    * line feed. Failures of either output are ignored.
    *
-   * @param level a syslog severity; every level is written.
+   * @param level a Level, or any other severity of the system log; every level is written.
    */
   VLM_API VX_LOG_PRINTF void vx_log(unsigned level, const char* format, ...);
 

@@ -18,8 +18,6 @@ namespace {
 using GainTable = std::array<unsigned char, kGains>;
 using VX_LOG::VxLogger;
 
-constexpr unsigned kLevel = 7;  // of every line that the amplifier logs
-
 // Below this a second thread costs more than it brings, most of all where other work holds the
 // cores.
 constexpr std::size_t kParallelSamples = std::size_t{64} << 10;
@@ -98,7 +96,7 @@ void VxKPFMotionAmpl::reset() {
 void VxKPFMotionAmpl::addFrame(unsigned char* frame) {
   const std::lock_guard lock(mutex);
   if (summer == nullptr) {
-    VxLogger::factory()->vx_log(kLevel, "%s: unexpectedly null summer!", "addFrame");
+    VxLogger::factory()->vx_log(VX_LOG::kDebug, "%s: unexpectedly null summer!", "addFrame");
     return;
   }
   const bool evict = !frames.empty() && windowIsFull(frames.size());
@@ -130,7 +128,8 @@ bool VxKPFMotionAmpl::amplifyFrame(unsigned char* out) {
   const auto size = static_cast<std::size_t>(std::int64_t{samplesPerFrame()});
   const auto reference = scratch.allocate(size);
   if (getReference(reference.get()) && amplifyNewest(reference.get(), out)) return true;
-  VxLogger::factory()->vx_log(kLevel, "%s: Unable to get the reference frame!", "amplifyFrame");
+  VxLogger::factory()->vx_log(VX_LOG::kDebug, "%s: Unable to get the reference frame!",
+                              "amplifyFrame");
   return false;
 }
 

@@ -23,6 +23,12 @@ TEST_F(Logger, LineIsTheFormattedTextAndOneLineFeed) {
   EXPECT_EQ(output(), "vxClosePackStreamer: streamHandle is 0!\n");
 }
 
+TEST_F(Logger, LevelsHaveTheNumbersOfTheSystemLog) {
+  EXPECT_EQ(VX_LOG::kError, 3U);
+  EXPECT_EQ(VX_LOG::kWarning, 4U);
+  EXPECT_EQ(VX_LOG::kDebug, 7U);
+}
+
 TEST_F(Logger, LevelHasNoEffect) {
   for (const unsigned level : {0U, 3U, 7U, 4000000000U}) logger->vx_log(level, "same");
   EXPECT_EQ(output(), "same\nsame\nsame\nsame\n");
@@ -50,7 +56,7 @@ TEST_F(Logger, ArgumentsAreNeverTakenForAFormat) {
 
 TEST_F(Logger, WithoutStdoutAndFileNothingIsWritten) {
   logger->loggerUseStdout(false);
-  logger->vx_log(3, "unheard");
+  logger->vx_log(3, "lost");
   EXPECT_EQ(output(), "");
 }
 
