@@ -56,21 +56,21 @@ bool VxKPFPackedStream::acceptsFrame(const VxKPFPacked* frame) {
   constexpr const char* kFunction = "queueFrame";
   const auto log = VxLogger::factory();
   if (frame == nullptr) {
-    log->vx_log(7, "%s: imageptr is nullptr!?", kFunction);
+    log->vx_log(VX_LOG::kDebug, "%s: imageptr is nullptr!?", kFunction);
     return false;
   }
   if (seqNum >= getFrameCount()) {
-    log->vx_log(7, "%s: seqNum=%d but frame_count=%d", kFunction, static_cast<int>(seqNum),
-                static_cast<int>(getFrameCount()));
+    log->vx_log(VX_LOG::kDebug, "%s: seqNum=%d but frame_count=%d", kFunction,
+                static_cast<int>(seqNum), static_cast<int>(getFrameCount()));
     return false;
   }
   switchDivFile();
   if (!divFile.is_open()) {
-    log->vx_log(7, "%s: the divFile is not open.", kFunction);
+    log->vx_log(VX_LOG::kDebug, "%s: the divFile is not open.", kFunction);
   } else if (frame->getHeader() == nullptr) {
-    log->vx_log(7, "%s: There is no header!", kFunction);
+    log->vx_log(VX_LOG::kDebug, "%s: There is no header!", kFunction);
   } else if (frame->getPackedData() == nullptr) {
-    log->vx_log(7, "%s: There is no packed data!", kFunction);
+    log->vx_log(VX_LOG::kDebug, "%s: There is no packed data!", kFunction);
   } else {
     return true;
   }
@@ -100,7 +100,7 @@ void VxKPFPackedStream::writeRecord(const VxKPFPacked& frame) {
   write(divFile, frame.getPackedData(), frame.packedSize);
   divFile.flush();
   if (divFile.good()) return;
-  VxLogger::factory()->vx_log(3, "%s: io stream write failed.", "queueFrame");
+  VxLogger::factory()->vx_log(VX_LOG::kError, "%s: io stream write failed.", "queueFrame");
   dropPartialRecord();
 }
 

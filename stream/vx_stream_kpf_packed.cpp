@@ -57,22 +57,22 @@ unsigned VxKPFPackedStream::prepareForWriting(const std::string& name,
   constexpr const char* kFunction = "prepareForWriting";
   const auto log = VxLogger::factory();
   if (streamStatus != STREAM_CONSTRUCTED) {
-    log->vx_log(4, "%s: Was not properly constructed, unable to create %s", kFunction,
-                name.c_str());
+    log->vx_log(VX_LOG::kWarning, "%s: Was not properly constructed, unable to create %s",
+                kFunction, name.c_str());
     return STREAM_REFUSED;
   }
   setConfiguration(config);
   if (configuration == nullptr) {
-    log->vx_log(4, "%s: no configuration information found!", kFunction);
+    log->vx_log(VX_LOG::kWarning, "%s: no configuration information found!", kFunction);
     return streamStatus = STREAM_NO_CONFIG;
   }
   if (configuration->frameCount == 0) {
-    log->vx_log(4, "%s: frameCount set to zero.", kFunction);
+    log->vx_log(VX_LOG::kWarning, "%s: frameCount set to zero.", kFunction);
     return streamStatus = STREAM_NO_FRAMES;
   }
   if (!sizeFrames(config)) {
-    log->vx_log(4, "%s: a frame record of %u x %u pixels does not fit a DIV file!", kFunction,
-                config.width, config.height);
+    log->vx_log(VX_LOG::kWarning, "%s: a frame record of %u x %u pixels does not fit a DIV file!",
+                kFunction, config.width, config.height);
     return streamStatus = STREAM_RECORD_TOO_LARGE;
   }
   if (!deriveNames(name)) return streamStatus = STREAM_BAD_PATH;
@@ -98,8 +98,8 @@ unsigned VxKPFPackedStream::isStreamWriterComplete() {
 
 unsigned VxKPFPackedStream::editVideoFrame(unsigned frameNumber,
                                            [[maybe_unused]] std::unique_ptr<VxKPFPacked> frame) {
-  VxLogger::factory()->vx_log(7, "%s: Not implemented yet. Ignoring %d", "editVideoFrame",
-                              static_cast<int>(frameNumber));
+  VxLogger::factory()->vx_log(VX_LOG::kDebug, "%s: Not implemented yet. Ignoring %d",
+                              "editVideoFrame", static_cast<int>(frameNumber));
   return STREAM_REFUSED;
 }
 
@@ -141,7 +141,7 @@ void VxKPFPackedStream::calcFrameTime(unsigned frame, unsigned long long& second
 bool VxKPFPackedStream::initializeHeader(std::ofstream* streamPtr) {
   namespace layout = KPF_FORMAT::HEADER;
   if (streamPtr == nullptr) {
-    VxLogger::factory()->vx_log(7, "%s: streamPtr is null!", "initializeHeader");
+    VxLogger::factory()->vx_log(VX_LOG::kDebug, "%s: streamPtr is null!", "initializeHeader");
     return false;
   }
   HeaderImage image = headerImage(*configuration, framesPerDivFile);
@@ -153,7 +153,7 @@ bool VxKPFPackedStream::initializeHeader(std::ofstream* streamPtr) {
   streamPtr->write(reinterpret_cast<const char*>(image.data()), image.size());
   streamPtr->flush();  // a full disk shows here, not when the file is closed
   if (streamPtr->good()) return true;
-  VxLogger::factory()->vx_log(3, "%s: io stream write failed.", "initializeHeader");
+  VxLogger::factory()->vx_log(VX_LOG::kError, "%s: io stream write failed.", "initializeHeader");
   streamStatus = STREAM_WRITE_FAILED;
   return false;
 }
@@ -178,11 +178,13 @@ bool VxKPFPackedStream::deriveNames(const std::string& name) {
   const auto log = VxLogger::factory();
   const std::size_t dot = name.rfind('.');
   if (dot == std::string::npos) {
-    log->vx_log(4, "%s: streamName is missing a file extension!", "prepareForWriting");
+    log->vx_log(VX_LOG::kWarning, "%s: streamName is missing a file extension!",
+                "prepareForWriting");
     return false;
   }
   if (dot == 0) {
-    log->vx_log(4, "%s: streamName has nothing before its file extension!", "prepareForWriting");
+    log->vx_log(VX_LOG::kWarning, "%s: streamName has nothing before its file extension!",
+                "prepareForWriting");
     return false;
   }
   divFolder = name.substr(0, dot);
@@ -198,12 +200,12 @@ unsigned VxKPFPackedStream::createFiles() {
   std::ofstream headerStream(pathOf(streamName),
                              std::ios::out | std::ios::trunc | std::ios::binary);
   if (!headerStream.is_open()) {
-    log->vx_log(4, "%s: Unable to open %s for binary output!", "prepareForWriting",
+    log->vx_log(VX_LOG::kWarning, "%s: Unable to open %s for binary output!", "prepareForWriting",
                 streamName.c_str());
     return STREAM_OPEN_FAILED;
   }
   if (!initializeHeader(&headerStream)) {
-    log->vx_log(7, "%s: Unable to initialize KPF Packed header.", "prepareForWriting");
+    log->vx_log(VX_LOG::kDebug, "%s: Unable to initialize KPF Packed header.", "prepareForWriting");
     return STREAM_HEADER_FAILED;
   }
   return createDivFolder();
@@ -215,7 +217,7 @@ unsigned VxKPFPackedStream::createDivFolder() {
   if (fs::create_directories(pathOf(divFolder), ignored)) return STREAM_WRITING;
   // What is there already is used as it is; a folder of an earlier run is the common case.
   if (fs::exists(fs::status(pathOf(divFolder)))) return STREAM_WRITING;
-  VxLogger::factory()->vx_log(4, "%s: Unable to create subfolder %s for DIV files!",
+  VxLogger::factory()->vx_log(VX_LOG::kWarning, "%s: Unable to create subfolder %s for DIV files!",
                               "prepareForWriting", divFolder.c_str());
   return STREAM_BAD_PATH;
 }
@@ -223,7 +225,7 @@ unsigned VxKPFPackedStream::createDivFolder() {
 // A text file: its lines end as the platform's text does. Failures are passed over in silence.
 void VxKPFPackedStream::writeStatusFile() const {
   const std::string name = streamName + ".incomplete.txt";
-  VxLogger::factory()->vx_log(3,
+  VxLogger::factory()->vx_log(VX_LOG::kError,
                               "%s: KPF Packed streamStatus is not marked complete.  Writing %s to "
                               "document incomplete status.",
                               "closeStream", name.c_str());
