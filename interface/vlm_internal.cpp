@@ -6,6 +6,7 @@
 #include <memory>
 #include <utility>
 
+#include "interface/handle_faults.h"
 #include "interface/vlm_internal_tables.h"
 #include "packed/vx_kpf_packed.h"
 #include "vx_log.h"
@@ -21,24 +22,16 @@ constinit HandleTable<VLM_KPF::VxKPFMotionAmpl> maVector;
 
 namespace {
 
-using VLM_INTERNAL::HandleState;
 using VLM_INTERNAL::streamVector;
 using VLM_KPF::VxKPFPackedStream;
 using VX_KPF_PACKED::VxKPFPacked;
 using VX_LOG::VxLogger;
 
-constexpr unsigned kLevel = 7;  // of every line that an exported function logs
+constexpr VLM_INTERNAL::HandleWording kStreamHandle{"streamHandle", false};
 
 /// The stream of a handle, or null once the fault is logged under the caller's name.
 VxKPFPackedStream* findStream(unsigned streamHandle, const char* function) {
-  const auto [state, stream] = VLM_INTERNAL::lookUp(streamVector, streamHandle);
-  if (state == HandleState::kZero) {
-    VxLogger::factory()->vx_log(kLevel, "%s: streamHandle is 0!", function);
-  } else if (state != HandleState::kLive) {
-    VxLogger::factory()->vx_log(kLevel, "%s: streamHandle (%d) is invalid!", function,
-                                static_cast<int>(streamHandle));
-  }
-  return stream;
+  return VLM_INTERNAL::lookUpOrLog(streamVector, streamHandle, kStreamHandle, function).object;
 }
 
 /// A frame packed from an image, or null once the failure is logged under the caller's name.
@@ -47,7 +40,7 @@ std::unique_ptr<VxKPFPacked> packImage(const unsigned char* image, unsigned widt
   auto frame = std::make_unique<VxKPFPacked>();
   frame->setTiffImageData(image, width, height, bitsPerPixel);
   if (frame->getPackedData() != nullptr) return frame;
-  VxLogger::factory()->vx_log(kLevel, "%s: setTiffImageData() failed.", function);
+  VxLogger::factory()->vx_log(VX_LOG::kDebug, "%s: setTiffImageData() failed.", function);
   return nullptr;
 }
 
@@ -72,8 +65,8 @@ unsigned int vxCreatePackStreamer(const std::string& streamName,
   auto stream = std::make_unique<VxKPFPackedStream>();
   const unsigned status = stream->prepareForWriting(streamName, configuration);
   if (status != STREAM_WRITING) {
-    VxLogger::factory()->vx_log(kLevel, "%s: prepareForWriting() failed [status=%d]", __func__,
-                                static_cast<int>(status));
+    VxLogger::factory()->vx_log(VX_LOG::kDebug, "%s: prepareForWriting() failed [status=%d]",
+                                __func__, static_cast<int>(status));
     return 0;
   }
   return VLM_INTERNAL::issueHandle(streamVector, std::move(stream));
@@ -145,7 +138,7 @@ int vxConvertTiffImageData(const unsigned char* imageInPtr, unsigned char* image
                            unsigned int frameNumber, unsigned int width, unsigned int height,
                            unsigned int bitsPerPixel) {
   if (imageInPtr == nullptr || imageOutPtr == nullptr) {
-    VxLogger::factory()->vx_log(kLevel, "%s: %s is nullptr!", __func__,
+    VxLogger::factory()->vx_log(VX_LOG::kDebug, "%s: %s is nullptr!", __func__,
                                 imageInPtr == nullptr ? "imageInPtr" : "imageOutPtr");
     return VLM_NULL_IMAGE;
   }

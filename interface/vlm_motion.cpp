@@ -1,11 +1,14 @@
-// The exported functions of the motion amplifier.
+// The exported functions of the motion amplifier: handles are looked up, arguments checked, results
+// passed on.
+#include "vlm_internal.h"
+
 #include <atomic>
-#include <cstdint>
 #include <memory>
 #include <utility>
 
+#include "interface/handle_faults.h"
 #include "interface/vlm_internal_tables.h"
-#include "vlm_internal.h"
+#include "motionampl/vx_kpf_motionampl.h"
 #include "vx_log.h"
 
 namespace {
@@ -15,24 +18,12 @@ using VLM_INTERNAL::maVector;
 using VLM_KPF::VxKPFMotionAmpl;
 using VX_LOG::VxLogger;
 
-constexpr unsigned kLevel = 7;  // of every line that an exported function logs
+constexpr VLM_INTERNAL::HandleWording kMaHandle{"maHandle", true};
+constexpr VLM_INTERNAL::HandleWording kMaHandleOfAddFrame{"maHandle", false};
 
-/// Looks a handle up; a fault is logged under the caller's name.
-VLM_INTERNAL::LookUp<VxKPFMotionAmpl> lookUpAmplifier(unsigned maHandle, const char* function) {
-  const auto found = VLM_INTERNAL::lookUp(maVector, maHandle);
-  if (found.state == HandleState::kZero) {
-    VxLogger::factory()->vx_log(kLevel, "%s: maHandle is nullptr!", function);
-  } else if (found.state != HandleState::kLive) {
-    VxLogger::factory()->vx_log(kLevel, "%s: maHandle (%p) is invalid!", function,
-                                // NOLINTNEXTLINE(performance-no-int-to-ptr): only printed
-                                reinterpret_cast<void*>(std::uintptr_t{maHandle}));
-  }
-  return found;
-}
-
-/// The amplifier of a handle, or null once the fault is logged.
+/// The amplifier of a handle, or null once the fault is logged under the caller's name.
 VxKPFMotionAmpl* findAmplifier(unsigned maHandle, const char* function) {
-  return lookUpAmplifier(maHandle, function).object;
+  return VLM_INTERNAL::lookUpOrLog(maVector, maHandle, kMaHandle, function).object;
 }
 
 }  // namespace
@@ -50,23 +41,19 @@ int vxCloseMotionAmplifier(unsigned int maHandle) {
   return VLM_MA_CLOSED;
 }
 
-// The one function that looks at its other argument before the table, and that words both faults
-// of a handle as the stream functions do.
+// The one function that looks at its other argument before the table.
 int vxMAAddFrame(unsigned int maHandle, unsigned char* framePtr) {
   if (maHandle == 0) {
-    VxLogger::factory()->vx_log(kLevel, "%s: maHandle is 0!", __func__);
+    VLM_INTERNAL::logFault(HandleState::kZero, maHandle, kMaHandleOfAddFrame, __func__);
     return VLM_BAD_HANDLE;
   }
   if (framePtr == nullptr) {
-    VxLogger::factory()->vx_log(kLevel, "%s: framePtr is nullptr!", __func__);
+    VxLogger::factory()->vx_log(VX_LOG::kDebug, "%s: framePtr is nullptr!", __func__);
     return VLM_NULL_FRAME;
   }
-  VxKPFMotionAmpl* const amplifier = VLM_INTERNAL::lookUp(maVector, maHandle).object;
-  if (amplifier == nullptr) {
-    VxLogger::factory()->vx_log(kLevel, "%s: maHandle (%d) is invalid!", __func__,
-                                static_cast<int>(maHandle));
-    return VLM_BAD_HANDLE;
-  }
+  VxKPFMotionAmpl* const amplifier =
+      VLM_INTERNAL::lookUpOrLog(maVector, maHandle, kMaHandleOfAddFrame, __func__).object;
+  if (amplifier == nullptr) return VLM_BAD_HANDLE;
   amplifier->addFrame(framePtr);
   return VLM_SUCCESS;
 }
@@ -80,7 +67,7 @@ int vxMAGetFrame(unsigned int maHandle, unsigned char* frameOut) {
   VxKPFMotionAmpl* const amplifier = findAmplifier(maHandle, __func__);
   if (amplifier == nullptr) return VLM_BAD_HANDLE;
   if (amplifier->amplifyFrame(frameOut)) return VLM_SUCCESS;
-  VxLogger::factory()->vx_log(kLevel, "%s: amplifyFrame() failed!", __func__);
+  VxLogger::factory()->vx_log(VX_LOG::kDebug, "%s: amplifyFrame() failed!", __func__);
   return VLM_MA_NO_FRAME;
 }
 
@@ -91,7 +78,8 @@ int vxMAGetRefFrame(unsigned int maHandle, unsigned char* refOut) {
 }
 
 int vxMAGetRefWindowSize(unsigned int maHandle) {
-  const auto [state, amplifier] = lookUpAmplifier(maHandle, __func__);
+  const auto [state, amplifier] =
+      VLM_INTERNAL::lookUpOrLog(maVector, maHandle, kMaHandle, __func__);
   if (state == HandleState::kLive) return amplifier->refWindowSize;
   return state == HandleState::kEmpty ? VLM_BAD_HANDLE : 0;
 }
