@@ -12,7 +12,7 @@
 namespace CPU {
 
 /// Whether this processor runs what is compiled for `isa`.
-inline bool runs(Isa isa) {
+inline bool isSupported(Isa isa) {
 #ifdef __x86_64__
   const bool avx2 = __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("fma") != 0;
   if (isa == Isa::kAvx2) return avx2;
@@ -42,7 +42,7 @@ class KernelChoice {
 
   /// The set of `isa`, or null where this processor or build does not have it.
   const Set* of(Isa isa) const {
-    return runs(isa) ? sets_[static_cast<std::size_t>(isa)] : nullptr;
+    return isSupported(isa) ? sets_[static_cast<std::size_t>(isa)] : nullptr;
   }
 
   /// The fastest set that this processor runs, looked up once, unless another was forced.

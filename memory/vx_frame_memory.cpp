@@ -7,18 +7,18 @@ namespace VX_FRAME_MEMORY {
 namespace {
 
 // Allocators keep smaller blocks themselves and map larger ones anew for every request.
-constexpr std::size_t kKeptFrom = std::size_t{128} << 10;
+constexpr std::size_t kSmallestKept = std::size_t{128} << 10;
 
 }  // namespace
 
 FrameMemory SpareFrame::allocate(std::size_t size) {
-  unsigned char* memory = size >= kKeptFrom ? take(size) : nullptr;
+  unsigned char* memory = size >= kSmallestKept ? take(size) : nullptr;
   if (memory == nullptr) memory = static_cast<unsigned char*>(::operator new(size));
   return FrameMemory(memory, FrameMemoryRelease{this, size});
 }
 
 void FrameMemoryRelease::operator()(unsigned char* memory) const noexcept {
-  if (size >= kKeptFrom) memory = spare->swap(memory, size);
+  if (size >= kSmallestKept) memory = spare->swap(memory, size);
   ::operator delete(memory);
 }
 

@@ -49,17 +49,17 @@ GainTable tabulateGain(double factor) {
 void amplifyOnTeam(const unsigned char* frame, const unsigned char* reference,
                    const GainTable& gain, unsigned char* out, std::size_t samples) {
   const auto amplify = motionKernels.inUse().amplify;
-  const bool worthATeam = samples >= kParallelSamples;
+  const bool inParallel = samples >= kParallelSamples;
 #pragma omp parallel default(none) \
-    shared(amplify, frame, reference, gain, out, samples) if (worthATeam)
+    shared(amplify, frame, reference, gain, out, samples) if (inParallel)
   {
     const auto threads = static_cast<std::size_t>(omp_get_num_threads());
     const auto thread = static_cast<std::size_t>(omp_get_thread_num());
     const std::size_t share = samples / threads;
-    const std::size_t longer = samples % threads;
-    const std::size_t first = thread * share + std::min(thread, longer);
+    const std::size_t remainder = samples % threads;
+    const std::size_t first = thread * share + std::min(thread, remainder);
     amplify(frame + first, reference + first, gain.data(), out + first,
-            share + (thread < longer ? 1 : 0));
+            share + (thread < remainder ? 1 : 0));
   }
 }
 

@@ -16,9 +16,8 @@ extern const MotionKernels kMotionKernelsAvx512;
  */
 inline constexpr std::uint32_t kLargestFloatWindow = 8192;
 
-/// How many bytes ahead the loops fetch: the sums of a division (1.3 times as fast by it), the
-/// frames of an exchange (without it, a long window takes up to 1.07 times the time of a short
-/// one), the frame of an amplification (1.3 times as fast).
+/// How many bytes ahead the loops fetch: the sums of a division, the frames of an exchange (those
+/// of a long window are in no cache), the frame of an amplification.
 inline constexpr std::size_t kSumsAhead = std::size_t{8} << 10;
 inline constexpr std::size_t kWindowAhead = std::size_t{4} << 10;
 inline constexpr std::size_t kFrameAhead = std::size_t{16} << 10;

@@ -86,14 +86,14 @@ class ImagePacker {
 };
 
 /// Shares `items` out over the team, the first threads taking one more where they do not divide.
-void packOnTeam(const ImagePacker& packer, std::size_t items, bool worthATeam) {
-#pragma omp parallel default(none) shared(packer, items) if (worthATeam)
+void packOnTeam(const ImagePacker& packer, std::size_t items, bool inParallel) {
+#pragma omp parallel default(none) shared(packer, items) if (inParallel)
   {
     const auto threads = static_cast<std::size_t>(omp_get_num_threads());
     const auto thread = static_cast<std::size_t>(omp_get_thread_num());
     const std::size_t share = items / threads;
-    const std::size_t longer = items % threads;
-    packer.pack(thread * share + std::min(thread, longer), share + (thread < longer ? 1 : 0));
+    const std::size_t remainder = items % threads;
+    packer.pack(thread * share + std::min(thread, remainder), share + (thread < remainder ? 1 : 0));
   }
 }
 

@@ -60,9 +60,9 @@ void packPairs(const unsigned char* in, unsigned char* out, std::size_t pairs) {
 
 }  // namespace
 
-// memcpy begins anew with every row, and so costs a third of the speed on frames from memory. So do
-// narrow moves at the ends of a row, where one more register overlaps its neighbour. In between, no
-// register is loaded from two cache lines.
+// memcpy begins anew with every row, which is slow on frames from memory. So are narrow moves at
+// the ends of a row, where one more register overlaps its neighbour. In between, no register is
+// loaded from two cache lines.
 void copyRowAvx2(const unsigned char* in, unsigned char* out, std::size_t size) {
   constexpr std::size_t kVector = sizeof(__m256i);
   if (size < kVector) {

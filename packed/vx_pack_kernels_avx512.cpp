@@ -1,5 +1,5 @@
 // Runs on processors with AVX-512 F, BW, VL, DQ and VBMI only. Registers of 8 pairs: those of 16
-// were slower by a quarter wherever the image made them load from two cache lines.
+// are slower wherever the image makes them load from two cache lines.
 #include <immintrin.h>
 
 #include <cstdint>

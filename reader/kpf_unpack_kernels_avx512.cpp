@@ -1,5 +1,5 @@
 // Runs on processors with AVX-512 F, BW, VL, DQ and VBMI only. Registers of 8 pairs: those of 16
-// were slower where the frames come from memory.
+// are slower where the frames come from memory.
 #include <immintrin.h>
 
 #include "reader/kpf_unpack_kernels_isa.h"

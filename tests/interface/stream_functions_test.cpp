@@ -132,13 +132,13 @@ TEST_F(StreamFunctions, RefusedFrameShowsInTheLog) {
 TEST_F(StreamFunctions, FailedCreationSaysWhyOnBothOutputs) {
   ASSERT_EQ(VX_LOG::VxLogger::factory()->loggerFile((folder / "log.txt").c_str()), 0);
   EXPECT_EQ(create(0), 0U);
-  const std::string said =
+  const std::string expected =
       "prepareForWriting: frameCount set to zero.\n"
       "vxCreatePackStreamer: prepareForWriting() failed [status=12]\n"
       "closeStream: KPF Packed streamStatus is not marked complete.  Writing .incomplete.txt to "
       "document incomplete status.\n";
-  EXPECT_EQ(output(), said);
-  EXPECT_EQ(TEST_SUPPORT::readText(folder / "log.txt"), said);
+  EXPECT_EQ(output(), expected);
+  EXPECT_EQ(TEST_SUPPORT::readText(folder / "log.txt"), expected);
   EXPECT_TRUE(std::filesystem::exists(".incomplete.txt"));
 }
 

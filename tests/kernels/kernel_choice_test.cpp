@@ -85,9 +85,9 @@ constexpr Set kAvx512;
 
 TEST(KernelChoice, TakesTheWidestSetThatThisProcessorRuns) {
   KernelChoice<Set> choice(&kPlain, &kAvx2, &kAvx512);
-  const Set* const widest = CPU::runs(Isa::kAvx512) ? &kAvx512
-                            : CPU::runs(Isa::kAvx2) ? &kAvx2
-                                                    : &kPlain;
+  const Set* const widest = CPU::isSupported(Isa::kAvx512) ? &kAvx512
+                            : CPU::isSupported(Isa::kAvx2) ? &kAvx2
+                                                           : &kPlain;
   EXPECT_EQ(&choice.inUse(), widest);
 }
 

@@ -67,8 +67,8 @@ TEST_F(ManyStreams, TwoHundredAtOnceKeepTheirFramesApart) {
 TEST_F(ManyStreams, NameOfFourThousandBytesIsRefusedInOneLine) {
   output();
   EXPECT_EQ(vxCreatePackStreamer(folder / (std::string(4000, 'n') + ".kpf"), configuration), 0U);
-  const std::string said = output();
-  const std::string first = said.substr(0, said.find('\n'));
+  const std::string logged = output();
+  const std::string first = logged.substr(0, logged.find('\n'));
   EXPECT_EQ(first.size(), 1023U);
   EXPECT_TRUE(first.starts_with("prepareForWriting: Unable to open "));
 }

@@ -96,7 +96,6 @@ TEST_P(DiskThatRecovers, KeepsEveryOtherFrameAtItsPlace) {
 
   stream.addFrame(frame(1));
   output();
-  std::string said;
   {
     const FileSizeLimit limit(recordSize + 20);  // the second record tears behind its header
     EXPECT_EQ(stream.addFrame(frame(2)), 3U);

@@ -35,8 +35,8 @@ TEST_F(Lifecycle, NewWriterSwitchesStandardOutputOn) {
   const auto logger = VX_LOG::VxLogger::factory();
   logger->loggerUseStdout(false);
   const VxKPFPackedStream another;
-  logger->vx_log(7, "heard again");
-  EXPECT_EQ(output(), "heard again\n");
+  logger->vx_log(7, "written again");
+  EXPECT_EQ(output(), "written again\n");
 }
 
 TEST_F(Lifecycle, PreparationMakesHeaderFileAndFolderOnly) {

@@ -1,4 +1,4 @@
-// What the tests of the stream room start from.
+// What the tests of the stream writer start from.
 #ifndef TESTS_STREAM_STREAM_TEST_H
 #define TESTS_STREAM_STREAM_TEST_H
 

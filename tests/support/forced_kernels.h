@@ -7,8 +7,8 @@
 namespace TEST_SUPPORT {
 
 /// Forces the kernels named by the environment variable VLM_KERNELS, "plain", "avx2" or "avx512",
-/// on all rooms; without it every room chooses its own.
-/// @return false where the name is none of these, or a room has no such kernels here.
+/// on packing, unpacking and the amplifier; without it each chooses its own.
+/// @return false where the name is none of these, or there are no such kernels here.
 bool forceKernelsOfEnvironment();
 
 /// The same by name.

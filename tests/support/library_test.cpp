@@ -8,7 +8,7 @@
 namespace TEST_SUPPORT {
 namespace {
 
-void forgetEverything() {
+void resetLibrary() {
   VLM_INTERNAL::maVector.clear();
   VLM_INTERNAL::streamVector.clear();
   const auto logger = VX_LOG::VxLogger::factory();
@@ -25,12 +25,12 @@ std::string outputOf(const std::function<void()>& action) {
 }
 
 LibraryTest::LibraryTest() : current_(folder.path()) {
-  forgetEverything();
+  resetLibrary();
   testing::internal::CaptureStdout();
 }
 
 LibraryTest::~LibraryTest() {
-  forgetEverything();
+  resetLibrary();
   const std::string held = testing::internal::GetCapturedStdout();
   if (HasFailure()) std::fputs(held.c_str(), stderr);  // GoogleTest's own words among them
 }
