@@ -2,9 +2,14 @@
 //
 // Input: one byte a call, then its arguments.
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
 #include <map>
 #include <new>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "fuzz/fuzz_input.h"
 #include "fuzz/scratch.h"

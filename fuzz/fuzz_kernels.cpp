@@ -1,6 +1,10 @@
 // Kernel against kernel: every set that runs here gives the bytes of the plain one.
 //
 // Input: which kernel, how many items, where they begin, a window, then the data.
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
 #include "cpu/isa.h"
 #include "fuzz/fuzz_input.h"
 #include "motionampl/vx_motion_kernels.h"

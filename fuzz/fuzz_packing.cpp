@@ -1,6 +1,10 @@
 // Images of any size and content: packed by the rule, and back again.
 //
 // Input: depth, width, height, samples.
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
 #include "fuzz/fuzz_input.h"
 #include "kpf_reader.h"
 #include "packed/vx_kpf_packed.h"

@@ -1,7 +1,13 @@
 // Header and data files of any bytes: the reader gives what is there or a clear error.
 //
 // Input: one byte that says where the header file ends, the header file, the first data file.
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
 #include <fstream>
+#include <string>
+#include <vector>
 
 #include "fuzz/fuzz_input.h"
 #include "fuzz/scratch.h"

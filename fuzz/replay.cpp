@@ -1,4 +1,5 @@
 // Runs a target on files: replay FILE-OR-FOLDER... For builds without a fuzzer.
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>

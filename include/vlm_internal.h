@@ -25,6 +25,8 @@
 #include "vlm_results.h"
 
 #ifdef __cplusplus
+#include <string>
+
 #include "vx_log.h"
 extern "C" {
 #else

@@ -2,6 +2,7 @@
 #ifndef HANDLE_TABLE_H
 #define HANDLE_TABLE_H
 
+#include <cstddef>
 #include <memory>
 #include <utility>
 #include <vector>

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstring>
 #include <memory>
+#include <string>
 #include <utility>
 
 #include "interface/handle_faults.h"

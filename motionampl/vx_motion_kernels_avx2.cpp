@@ -1,6 +1,9 @@
 // Runs on processors with AVX2 only. Registers of 32 samples.
 #include <immintrin.h>
 
+#include <cstddef>
+#include <cstdint>
+
 #include "cpu/fetch_ahead.h"
 #include "motionampl/vx_motion_kernels_isa.h"
 #include "motionampl/vx_motion_loops.h"

@@ -2,6 +2,9 @@
 #ifndef VX_MOTION_KERNELS_ISA_H
 #define VX_MOTION_KERNELS_ISA_H
 
+#include <cstddef>
+#include <cstdint>
+
 #include "motionampl/vx_motion_kernels.h"
 
 namespace VLM_KPF {

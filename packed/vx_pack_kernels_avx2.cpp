@@ -2,6 +2,7 @@
 // own for steps of 3 bytes.
 #include <immintrin.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 

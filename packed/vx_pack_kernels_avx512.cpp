@@ -2,6 +2,7 @@
 // are slower wherever the image makes them load from two cache lines.
 #include <immintrin.h>
 
+#include <cstddef>
 #include <cstdint>
 
 #include "cpu/fetch_ahead.h"

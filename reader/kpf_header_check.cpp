@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "format/kpf_layout.h"

@@ -4,6 +4,8 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <system_error>
 #include <utility>
 
 #include "format/kpf_layout.h"

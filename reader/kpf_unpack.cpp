@@ -1,5 +1,9 @@
 // Where the pixels of a frame stand, and their way back to 16-bit samples.
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
 #include <stdexcept>
 
 #include "reader/kpf_reader.h"

@@ -2,6 +2,9 @@
 // own for steps of 3 bytes.
 #include <immintrin.h>
 
+#include <cstddef>
+#include <cstdint>
+
 #include "reader/kpf_unpack_kernels_isa.h"
 
 namespace KPF_READER {

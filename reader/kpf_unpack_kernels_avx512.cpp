@@ -2,6 +2,9 @@
 // are slower where the frames come from memory.
 #include <immintrin.h>
 
+#include <cstddef>
+#include <cstdint>
+
 #include "reader/kpf_unpack_kernels_isa.h"
 
 namespace KPF_READER {

@@ -2,6 +2,9 @@
 #ifndef KPF_UNPACK_KERNELS_ISA_H
 #define KPF_UNPACK_KERNELS_ISA_H
 
+#include <cstddef>
+#include <cstdint>
+
 #include "reader/kpf_unpack_kernels.h"
 
 namespace KPF_READER {

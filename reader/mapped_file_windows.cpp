@@ -2,8 +2,11 @@
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <limits>
+#include <string>
 #include <system_error>
 
 #include "reader/mapped_file.h"

@@ -1,7 +1,10 @@
 // The frames of a recording: numbering, data files, records.
 #include <fmt/printf.h>
 
+#include <cstdint>
 #include <filesystem>
+#include <fstream>
+#include <memory>
 #include <system_error>
 #include <utility>
 

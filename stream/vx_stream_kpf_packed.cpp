@@ -2,6 +2,7 @@
 #include "stream/vx_stream_kpf_packed.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <ctime>

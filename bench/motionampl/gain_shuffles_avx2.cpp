@@ -3,6 +3,8 @@
 
 #include <immintrin.h>
 
+#include <cstddef>
+
 #include "cpu/fetch_ahead.h"
 #include "motionampl/vx_motion_kernels_isa.h"
 

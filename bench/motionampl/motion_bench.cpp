@@ -2,6 +2,7 @@
 #include <omp.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <new>

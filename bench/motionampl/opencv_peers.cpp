@@ -1,4 +1,5 @@
 // The amplifier's arithmetic as users of OpenCV would write it, on one thread.
+#include <cstddef>
 #include <memory>
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>

@@ -1,6 +1,7 @@
 // Packing a frame: into ready memory, and whole with its allocation.
 #include <omp.h>
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>

@@ -1,4 +1,6 @@
 // Unpacking a frame that a reader found.
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <vector>
 

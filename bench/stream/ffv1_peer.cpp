@@ -4,7 +4,10 @@ extern "C" {
 }
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <string>
 
 #include "bench/stream/peers.h"
 

@@ -1,5 +1,7 @@
 #include <hdf5.h>
 
+#include <string>
+
 #include "bench/stream/peers.h"
 
 namespace BENCH {

@@ -5,12 +5,15 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <map>
 #include <random>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "bench/stream/peers.h"
 #include "tests/support/files.h"

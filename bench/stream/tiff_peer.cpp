@@ -1,5 +1,8 @@
 #include <tiffio.h>
 
+#include <cstdint>
+#include <string>
+
 #include "bench/stream/peers.h"
 
 namespace BENCH {

@@ -1,5 +1,6 @@
 // Sizes, and conversion into the caller's own buffer.
 #include <chrono>
+#include <cstddef>
 
 #include "format/kpf_layout.h"
 #include "tests/support/library_test.h"

@@ -1,6 +1,7 @@
 // The table logic that streams and amplifiers share.
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <stdexcept>
 
 #include "interface/handle_table.h"

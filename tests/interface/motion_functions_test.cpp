@@ -1,9 +1,11 @@
 // The amplifier's functions: handles, messages, results.
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <functional>
 #include <new>
 #include <stdexcept>
+#include <string>
 
 #include "interface/vlm_internal_tables.h"
 #include "tests/support/library_test.h"

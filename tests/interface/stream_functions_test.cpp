@@ -1,4 +1,8 @@
 // Whole recordings through the exported functions.
+#include <filesystem>
+#include <iterator>
+#include <string>
+
 #include "interface/vlm_internal_tables.h"
 #include "tests/support/library_test.h"
 #include "vlm_internal.h"

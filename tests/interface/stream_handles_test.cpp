@@ -1,6 +1,7 @@
 // What every stream function does with its handle.
 #include <functional>
 #include <stdexcept>
+#include <string>
 
 #include "interface/vlm_internal_tables.h"
 #include "tests/support/library_test.h"

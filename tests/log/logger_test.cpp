@@ -1,4 +1,5 @@
 #include <cerrno>
+#include <filesystem>
 #include <string>
 
 #include "tests/support/library_test.h"

@@ -1,4 +1,7 @@
+#include <cstdint>
 #include <limits>
+#include <string>
+#include <vector>
 
 #include "tests/motionampl/frames.h"
 #include "tests/support/library_test.h"

@@ -1,6 +1,10 @@
 // Who owns a frame, and what is left when memory runs out.
+#include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <new>
 #include <stdexcept>
+#include <vector>
 
 #include "tests/motionampl/frames.h"
 #include "tests/motionampl/watched_memory.h"

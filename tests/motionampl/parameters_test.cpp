@@ -1,5 +1,7 @@
+#include <cstdint>
 #include <limits>
 #include <stdexcept>
+#include <vector>
 
 #include "tests/motionampl/frames.h"
 #include "tests/support/library_test.h"

@@ -1,7 +1,10 @@
 // The amplifier over long runs, held against sums taken anew from the frames of the window.
 #include <omp.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <random>
 
 #include "tests/motionampl/frames.h"

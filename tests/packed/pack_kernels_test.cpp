@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
 
 #include "tests/support/files.h"
 #include "tests/support/kernel_inputs.h"

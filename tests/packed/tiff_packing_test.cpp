@@ -2,7 +2,9 @@
 #include <omp.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <random>
+#include <utility>
 
 #include "packed/vx_kpf_packed.h"
 #include "tests/support/files.h"

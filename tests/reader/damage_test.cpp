@@ -1,4 +1,6 @@
 #include <filesystem>
+#include <stdexcept>
+#include <string>
 #ifndef _WIN32
 #include <sys/stat.h>
 #endif

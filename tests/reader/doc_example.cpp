@@ -1,4 +1,5 @@
 // The example of docs/reader.md, word for word, so that it compiles.
+#include <cstdint>
 #include <cstdio>
 #include <vector>
 

@@ -1,3 +1,5 @@
+#include <filesystem>
+
 #include "tests/reader/recording_bytes.h"
 
 namespace {

@@ -1,7 +1,12 @@
 // What docs/format.md and docs/reader.md say is so.
+#include <algorithm>
+#include <cstddef>
 #include <cstdlib>
 #include <regex>
 #include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "format/kpf_layout.h"
 #include "kpf_reader.h"

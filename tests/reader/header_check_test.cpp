@@ -1,4 +1,8 @@
 // Every byte of the header that can only be one way is watched.
+#include <cstddef>
+#include <string>
+#include <vector>
+
 #include "stream/vx_kpf_header.h"
 #include "stream/vx_stream_kpf_packed.h"
 #include "tests/reader/recording_bytes.h"

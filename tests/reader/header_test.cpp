@@ -1,3 +1,7 @@
+#include <cstddef>
+#include <filesystem>
+#include <string>
+
 #include "tests/reader/recording_bytes.h"
 
 namespace {

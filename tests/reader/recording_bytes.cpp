@@ -1,6 +1,9 @@
 #include "tests/reader/recording_bytes.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
 
 namespace TEST_READER {
 

@@ -1,3 +1,8 @@
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
 #include "tests/reader/recording_bytes.h"
 
 namespace {

@@ -3,6 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
 #include "tests/support/files.h"
 #include "tests/support/kernel_inputs.h"
 #include "tests/support/kernel_test.h"

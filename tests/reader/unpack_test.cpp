@@ -1,3 +1,9 @@
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <vector>
+
 #include "reader/kpf_reader.h"
 #include "tests/reader/recording_bytes.h"
 

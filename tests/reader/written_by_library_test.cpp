@@ -1,7 +1,12 @@
 // What the library writes, the reader gives back.
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <numeric>
+#include <string>
+#include <vector>
 
 #include "interface/vlm_internal_tables.h"
 #include "kpf_reader.h"

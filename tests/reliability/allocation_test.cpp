@@ -1,7 +1,10 @@
 // Every allocation of every exported function fails in turn: the exception reaches the caller,
 // nothing is lost and nothing leaks, and the same call then succeeds.
+#include <algorithm>
+#include <cstddef>
 #include <functional>
 #include <new>
+#include <string>
 #include <vector>
 
 #include "interface/vlm_internal_tables.h"

@@ -1,6 +1,7 @@
 #include "tests/reliability/failing_new.h"
 
 #include <atomic>
+#include <cstddef>
 #include <cstdlib>
 #include <new>
 

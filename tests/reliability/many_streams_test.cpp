@@ -1,5 +1,8 @@
 // Many streams, long names: nothing is used up.
+#include <cstddef>
 #include <filesystem>
+#include <iterator>
+#include <string>
 
 #include "tests/support/library_test.h"
 #include "vlm_internal.h"

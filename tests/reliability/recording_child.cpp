@@ -4,6 +4,7 @@
 // to standard error.
 #include <unistd.h>
 
+#include <cstddef>
 #include <cstdlib>
 #include <vector>
 

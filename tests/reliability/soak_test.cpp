@@ -1,6 +1,9 @@
 // Long recordings: every byte arrives, and memory does not grow. Takes about 5 GB below TMPDIR.
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <string>
+#include <vector>
 
 #include "tests/support/library_test.h"
 #include "vlm_internal.h"

@@ -1,7 +1,11 @@
 // What may be done from several threads at once.
 #include <barrier>
+#include <cstddef>
+#include <functional>
 #include <set>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "tests/support/library_test.h"
 #include "vlm_internal.h"

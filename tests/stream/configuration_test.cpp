@@ -1,6 +1,7 @@
 // The configuration's copy, the sizes and the times that follow from it.
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include "tests/stream/stream_test.h"
 

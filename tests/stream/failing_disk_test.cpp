@@ -5,6 +5,9 @@
 #include <sys/resource.h>
 
 #include <csignal>
+#include <cstddef>
+#include <filesystem>
+#include <memory>
 #endif
 
 namespace {

@@ -1,4 +1,10 @@
 // Frames, placeholders, data files.
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "tests/stream/stream_test.h"
 
 namespace {

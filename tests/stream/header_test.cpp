@@ -1,8 +1,10 @@
 // The header file, byte for byte.
 #include <algorithm>
+#include <cstddef>
 #include <cstdlib>
 #include <ctime>
 #include <fstream>
+#include <string>
 
 #include "tests/stream/stream_test.h"
 

@@ -1,5 +1,9 @@
 // Preparation, completion, closing.
+#include <filesystem>
 #include <memory>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "tests/stream/stream_test.h"
 #include "vx_log.h"

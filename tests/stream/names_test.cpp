@@ -1,4 +1,8 @@
 // What is derived from a stream's name.
+#include <filesystem>
+#include <string>
+#include <vector>
+
 #include "tests/stream/stream_test.h"
 
 namespace {

@@ -1,6 +1,7 @@
 #include "tests/stream/stream_test.h"
 
 #include <algorithm>
+#include <string>
 
 using TEST_SUPPORT::Bytes;
 using VX_KPF_PACKED::VxKPFPacked;

@@ -3,6 +3,7 @@
 #define TESTS_STREAM_STREAM_TEST_H
 
 #include <memory>
+#include <string>
 
 #include "packed/vx_kpf_packed.h"
 #include "stream/vx_stream_kpf_packed.h"

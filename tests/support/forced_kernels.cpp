@@ -1,5 +1,6 @@
 #include "tests/support/forced_kernels.h"
 
+#include <cstddef>
 #include <cstdlib>
 #include <iterator>
 
