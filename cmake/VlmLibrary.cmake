@@ -5,7 +5,7 @@ target_compile_definitions(vlm_objects PRIVATE VLM_INTERNAL_BUILD)
 set_target_properties(vlm_objects PROPERTIES
   CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON POSITION_INDEPENDENT_CODE ON)
 target_link_libraries(vlm_objects PRIVATE
-  vlm_flags fmt::fmt-header-only OpenMP::OpenMP_CXX Threads::Threads)
+  vlm_flags kpf_format OpenMP::OpenMP_CXX Threads::Threads)
 
 add_library(vlm_internal SHARED)
 add_library(vlm_internal_static STATIC)

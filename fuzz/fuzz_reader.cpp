@@ -9,13 +9,13 @@
 #include <string>
 #include <vector>
 
+#include "format/kpf_file_names.h"
+#include "format/kpf_layout.h"
 #include "fuzz/fuzz_input.h"
 #include "fuzz/scratch.h"
 #include "kpf_reader.h"
 
 namespace {
-
-constexpr std::size_t kHeaderSize = 2998;
 
 void write(const std::string& name, const std::uint8_t* data, std::size_t size) {
   std::ofstream file(name, std::ios::binary);
@@ -40,11 +40,12 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const FUZZ::Scratch scratch;
   if (size == 0) return 0;
   // Most inputs have a header of the right size; one in eight any other.
-  const std::size_t wanted = data[0] % 8 == 7 ? data[0] * 16U : kHeaderSize;
+  const std::size_t wanted = data[0] % 8 == 7 ? data[0] * 16U : KPF_FORMAT::HEADER::kSize;
   const std::size_t headerSize = std::min(wanted, size - 1);
   std::filesystem::create_directories(scratch / "rec");
   write(scratch / "rec.kpf", data + 1, headerSize);
-  write(scratch / "rec/rec_0001.div", data + 1 + headerSize, size - 1 - headerSize);
+  write(KPF_FORMAT::divFileName({scratch / "rec/", "rec"}, 1), data + 1 + headerSize,
+        size - 1 - headerSize);
   try {
     readAll(scratch / "rec.kpf");
   } catch (const KPF_READER::RecordingError& error) {

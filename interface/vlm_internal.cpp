@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "format/kpf_sizes.h"
 #include "interface/handle_faults.h"
 #include "interface/vlm_internal_tables.h"
 #include "packed/vx_kpf_packed.h"
@@ -132,7 +133,7 @@ int vxReplaceFrame(unsigned int streamHandle, unsigned int frameNumber, const un
 }
 
 unsigned int vxGetPackedSize(unsigned int width, unsigned int height, unsigned int bitsPerPixel) {
-  return VxKPFPacked::getHeaderSize() + VX_KPF_PACKED::packedFrameSize(width, height, bitsPerPixel);
+  return KPF_FORMAT::recordSizeOf(KPF_FORMAT::packedFrameSize(width, height, bitsPerPixel));
 }
 
 int vxConvertTiffImageData(const unsigned char* imageInPtr, unsigned char* imageOutPtr,

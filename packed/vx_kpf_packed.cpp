@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "format/kpf_sizes.h"
 #include "packed/vx_pack_kernels.h"
 
 namespace VX_KPF_PACKED {
@@ -131,7 +132,7 @@ void VxKPFPacked::setTiffImageData(const unsigned char* image, unsigned widthIn,
   bitsPerPixel = bitsPerPixelIn;
   width = widthIn;
   height = heightIn;
-  packedSize = packedFrameSize(width, height, static_cast<unsigned>(bitsPerPixel));
+  packedSize = KPF_FORMAT::packedFrameSize(width, height, static_cast<unsigned>(bitsPerPixel));
   packedData.reset();
   const Rows rows = rowsOf(width, bitsPerPixel);
   if (image == nullptr || (rows.inStride != 0 && height > kAddressable / rows.inStride)) return;

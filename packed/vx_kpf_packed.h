@@ -9,13 +9,6 @@
 
 namespace VX_KPF_PACKED {
 
-/// Bytes of a frame's packed pixels: width x height at 8 bits, else half of three times that,
-/// in 32-bit arithmetic that wraps.
-constexpr unsigned packedFrameSize(unsigned width, unsigned height, unsigned bitsPerPixel) {
-  const unsigned pixels = width * height;
-  return bitsPerPixel == 8 ? pixels : (pixels * 3) >> 1;
-}
-
 /**
  * A frame record, held by one owner at a time and not safe to share between threads.
  *

@@ -4,14 +4,19 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <tuple>
 
+#include "format/kpf_fixed.h"
 #include "format/kpf_layout.h"
+#include "format/kpf_sizes.h"
 
 namespace KPF_READER {
 namespace {
 
 using KPF_FORMAT::Field;
 namespace layout = KPF_FORMAT::HEADER;
+
+static_assert(std::tuple_size_v<decltype(Header::identifier)> == layout::kIdentifier.size);
 
 /// Takes fields out of a header image that is long enough.
 class Fields {
@@ -45,11 +50,14 @@ class Fields {
 
 void checkSize(std::span<const unsigned char> image, const std::string& path) {
   const std::string size = std::to_string(image.size());
+  const std::string expected = std::to_string(layout::kSize);
   if (image.size() < layout::kSize) {
-    throw RecordingError(path, image.size(), "the header ends after " + size + " of 2998 bytes");
+    throw RecordingError(path, image.size(),
+                         "the header ends after " + size + " of " + expected + " bytes");
   }
   if (image.size() > layout::kSize) {
-    throw RecordingError(path, layout::kSize, "the header is " + size + " bytes long, not 2998");
+    throw RecordingError(path, layout::kSize,
+                         "the header is " + size + " bytes long, not " + expected);
   }
 }
 
@@ -59,7 +67,7 @@ void readGeometry(const Fields& fields, Header& header) {
   const std::uint32_t packed12 = fields.number(layout::kPacked12);
   fields.check(packed12 <= 1, layout::kPacked12, "the pixel form is neither 0 nor 1");
   header.packed12 = packed12 == 1;
-  fields.check(header.recordSize() <= kLargestDivFile, layout::kWidth,
+  fields.check(header.recordSize() <= KPF_FORMAT::kLargestDivFile, layout::kWidth,
                "a frame is larger than a data file can be");
 }
 
@@ -67,7 +75,7 @@ void readCounts(const Fields& fields, Header& header) {
   header.framesPerDivFile = fields.number(layout::kFramesPerDivFile);
   fields.check(header.framesPerDivFile != 0, layout::kFramesPerDivFile,
                "data files of no frames at all");
-  fields.check(header.framesPerDivFile <= kLargestDivFile / header.recordSize(),
+  fields.check(header.framesPerDivFile <= KPF_FORMAT::recordsPerDivFile(header.recordSize()),
                layout::kFramesPerDivFile, "more frames than a data file can hold");
   header.frameCount = fields.number(layout::kFrameCount);
 }
@@ -76,8 +84,9 @@ void readCounts(const Fields& fields, Header& header) {
 
 Header parseHeader(std::span<const unsigned char> image, const std::string& path) {
   const Fields fields(image, path);
-  const bool known = image.size() >= 5 && fields.text(layout::kVersion) == "v3.0";
-  fields.check(known || image.size() < 5, layout::kVersion, "not the header of a recording");
+  const bool hasVersion = image.size() >= end(layout::kVersion);
+  fields.check(!hasVersion || fields.text(layout::kVersion) == KPF_FORMAT::kVersion,
+               layout::kVersion, "not the header of a recording");
   checkSize(image, path);
 
   Header header;
@@ -94,6 +103,10 @@ Header parseHeader(std::span<const unsigned char> image, const std::string& path
               header.identifier.begin());
   return header;
 }
+
+std::size_t Header::frameSize() const { return KPF_FORMAT::packedSizeOf(pixelCount(), packed12); }
+
+std::size_t Header::recordSize() const { return KPF_FORMAT::recordSizeOf(frameSize()); }
 
 std::uint32_t Header::divFileCount() const {
   return frameCount / framesPerDivFile + (frameCount % framesPerDivFile != 0 ? 1 : 0);

@@ -2,16 +2,12 @@
 #ifndef KPF_HEADER_H
 #define KPF_HEADER_H
 
-#include <cstddef>
 #include <span>
 #include <string>
 
 #include "reader/kpf_reader.h"
 
 namespace KPF_READER {
-
-/// Bytes. The writer begins a new data file before one would grow past this.
-constexpr std::size_t kLargestDivFile = 2147483647;
 
 /// @param path named in errors. @throws RecordingError at the first field that rules out reading
 /// on.

@@ -7,7 +7,9 @@
 #include <string>
 #include <string_view>
 
+#include "format/kpf_fixed.h"
 #include "format/kpf_layout.h"
+#include "format/kpf_sizes.h"
 #include "reader/kpf_header.h"
 
 namespace KPF_READER {
@@ -19,77 +21,19 @@ using Image = std::span<const unsigned char>;
 using Deviations = std::vector<HeaderDeviation>;
 constexpr auto kFixed = HeaderDeviation::Kind::kFixedBytes;
 
-struct FixedNumber {
-  Field field;
-  std::uint64_t value;
-};
-
-constexpr FixedNumber kNumbers[] = {
-    {layout::kScale, std::bit_cast<std::uint64_t>(1.0)},
-    {layout::kZero172, 0},
-    {layout::kZero192, 0},
-    {layout::kZero320, 0},
-    {layout::kZero460, 0},
-    {layout::kZero472, 0},
-    {layout::kMarker473, 1},
-    {layout::kZero481, 0},
-    {layout::kMarker483, std::bit_cast<std::uint64_t>(60.0)},
-    {layout::kZero496, 0},
-    {layout::kZero1746, 0},
-    {layout::kZero1754, 0},
-    {layout::kZero1762, 0},
-    {layout::kMarker1766, 1},
-    {layout::kZero1802, 0},
-    {layout::kZero1882, 0},
-};
-
-struct FixedText {
-  Field field;
-  std::string_view text;
-  bool restIsZero;  // behind the text; else a long text2 may show there
-};
-
-constexpr FixedText kTexts[] = {
-    {layout::kVersion, "v3.0", true},
-    {layout::kConverted208, "Converted", true},
-    {layout::kConverted278, "Converted", true},
-    {layout::kConverted308, "Converted", true},
-    {layout::kConverted384, "Converted", false},
-    {layout::kConverted444, "Converted", false},
-    {layout::kVersionAgain, "v3.0", true},
-};
-
-constexpr std::size_t kConvertedLength = 9;
-
-/// `field` without the text at its start.
-constexpr Field behindConverted(Field field) {
-  return {field.offset + kConvertedLength, field.size - kConvertedLength};
-}
-
-/// What a text2 of more than 60 bytes runs on into, in that order; else zero.
-constexpr Field kOverrun[] = {
-    behindConverted(layout::kConverted384),
-    behindConverted(layout::kConverted444),
-    layout::kZero498,
-    layout::kZero1730,
-    layout::kZero1778,
-    layout::kZero1810,
-    layout::kZero1886,
-};
-
 Image bytesOf(Image image, Field field) { return image.subspan(field.offset, field.size); }
 
 void checkNumbers(Image image, Deviations& found) {
-  for (const auto& [field, value] : kNumbers) {
+  for (const auto& [field, value] : KPF_FORMAT::kFixedNumbers) {
     if (KPF_FORMAT::load(image.data(), field) == value) continue;
     found.push_back({kFixed, field.offset, "a fixed number has another value"});
   }
 }
 
 void checkTexts(Image image, Deviations& found) {
-  for (const auto& [field, text, restIsZero] : kTexts) {
+  for (const auto& [field, text, wholeField] : KPF_FORMAT::kFixedTexts) {
     std::string expected(text);
-    if (restIsZero) expected.resize(field.size);
+    if (wholeField) expected.resize(field.size);
     const auto differs =
         std::mismatch(expected.begin(), expected.end(), bytesOf(image, field).begin(),
                       [](char a, unsigned char b) { return static_cast<unsigned char>(a) == b; });
@@ -124,7 +68,7 @@ void checkUnused(Image image, Deviations& found) {
   TextEnd(found).follow(image, layout::kText5);
   TextEnd text2(found);
   text2.follow(image, layout::kText2);
-  for (const Field field : kOverrun) text2.follow(image, field);
+  for (const Field field : KPF_FORMAT::kOverrunOfText2) text2.follow(image, field);
 }
 
 void checkPair(Image image, Field first, Field second, const char* name, Deviations& found) {
@@ -136,12 +80,13 @@ void checkPair(Image image, Field first, Field second, const char* name, Deviati
 }
 
 void checkValue5(Image image, Deviations& found) {
-  if (KPF_FORMAT::load(image.data(), layout::kValue5) <= 2) return;
+  const auto value = static_cast<std::int64_t>(KPF_FORMAT::load(image.data(), layout::kValue5));
+  if (value == 0 || KPF_FORMAT::storedValue5(value) != 0) return;
   found.push_back({kFixed, layout::kValue5.offset, "value5 is none of 0, 1 and 2"});
 }
 
 void checkFramesPerDivFile(const Header& header, Deviations& found) {
-  const std::size_t most = kLargestDivFile / header.recordSize();
+  const std::size_t most = KPF_FORMAT::recordsPerDivFile(header.recordSize());
   if (header.framesPerDivFile == most) return;
   found.push_back({HeaderDeviation::Kind::kFramesPerDivFile, layout::kFramesPerDivFile.offset,
                    std::to_string(header.framesPerDivFile) + " frames a data file, where " +

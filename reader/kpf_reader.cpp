@@ -8,10 +8,12 @@
 #include <system_error>
 #include <utility>
 
+#include "format/kpf_file_names.h"
 #include "format/kpf_layout.h"
+#include "format/kpf_status.h"
+#include "reader/kpf_div_files.h"
 #include "reader/kpf_header.h"
 #include "reader/kpf_header_check.h"
-#include "reader/kpf_names.h"
 #include "reader/mapped_file.h"
 
 namespace KPF_READER {
@@ -73,7 +75,7 @@ RecordingError::RecordingError(const std::string& file, std::uint64_t offset,
 class Recording::Contents {
  public:
   Contents(const std::string& headerPath, Access access)
-      : path(headerPath), access_(access), divPrefix(findDivPrefix(headerPath)) {
+      : path(headerPath), access_(access), dataNames(findDataNames(headerPath)) {
     const MappedFile image(headerPath, Access::kSequential);
     header = parseHeader(image.bytes(), headerPath);
     deviations = findDeviations(image.bytes());
@@ -81,7 +83,7 @@ class Recording::Contents {
   }
 
   void findRecords() {
-    for (const auto& [number, file] : findDivFiles(divPrefix)) {
+    for (const auto& [number, file] : findDivFiles(dataNames)) {
       if (number > header.divFileCount()) break;
       divFiles.push_back(measure(header, number, file));
       divFiles.back().firstRecord = recordCount;
@@ -107,7 +109,7 @@ class Recording::Contents {
 
   const std::string path;
   const Access access_;
-  const std::string divPrefix;
+  const KPF_FORMAT::DataNames dataNames;
   Header header;
   std::vector<HeaderDeviation> deviations;
   std::vector<DivFile> divFiles;
@@ -133,7 +135,7 @@ const std::vector<HeaderDeviation>& Recording::headerDeviations() const {
 std::uint32_t Recording::recordCount() const { return contents_->recordCount; }
 
 std::string Recording::divFilePath(std::uint32_t number) const {
-  return divFileName(contents_->divPrefix, number);
+  return KPF_FORMAT::divFileName(contents_->dataNames, number);
 }
 
 FrameRecord Recording::record(std::uint32_t n) const {
@@ -157,7 +159,7 @@ void Recording::unpack(std::uint32_t n, std::span<std::uint16_t> samples) const 
   unpackPixels(header(), record(n).pixels, samples);
 }
 
-std::string Recording::statusFilePath() const { return path() + ".incomplete.txt"; }
+std::string Recording::statusFilePath() const { return KPF_FORMAT::statusFileName(path()); }
 
 std::optional<std::string> Recording::statusFile() const {
   const std::string file = statusFilePath();

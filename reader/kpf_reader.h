@@ -57,9 +57,9 @@ struct Header {
   /// Pixels of a frame.
   std::size_t pixelCount() const { return std::size_t{width} * height; }
   /// Bytes of a frame's pixels in a data file.
-  std::size_t frameSize() const { return packed12 ? pixelCount() * 3 / 2 : pixelCount(); }
-  /// Bytes of a frame record: 16 of header, then the pixels. At most 2147483647.
-  std::size_t recordSize() const { return 16 + frameSize(); }
+  std::size_t frameSize() const;
+  /// Bytes of a frame record: its header, then the pixels. No more than a data file can hold.
+  std::size_t recordSize() const;
   /// Data files that a complete recording has; 0 when no frames are announced.
   std::uint32_t divFileCount() const;
   /// Records in data file `number`, from 1 to divFileCount(), of a complete recording.

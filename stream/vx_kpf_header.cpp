@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
-#include <string>
 #include <string_view>
 
-#include "stream/vx_stream_kpf_packed.h"
+#include "format/kpf_fixed.h"
+#include "format/kpf_sizes.h"
 
 namespace VLM_KPF {
 namespace {
@@ -25,57 +25,39 @@ void storeText(HeaderImage& image, Field field, std::string_view text) {
   std::copy_n(text.data(), length, image.data() + field.offset);
 }
 
-void storeGeometry(HeaderImage& image, const VLM_INTERNAL::VXP_STREAM_CONFIGURATION& from) {
-  store(image.data(), layout::kWidth, from.width);
-  store(image.data(), layout::kHeight, from.height);
-  store(image.data(), layout::kPacked12, from.bitsPerPixel == 8 ? 0 : 1);
-  storeDouble(image, layout::kFrameRate, from.frameRate);
+/// Runs on behind its field, to the end of the image at most: whatever is stored after it wins.
+void storeText2(HeaderImage& image, std::string_view text) {
+  const std::size_t offset = layout::kText2.offset;
+  storeText(image, {offset, layout::kSize - offset}, text);
+}
+
+void storeFixed(HeaderImage& image) {
+  for (const auto& [field, value] : KPF_FORMAT::kFixedNumbers) store(image.data(), field, value);
+  for (const auto& [field, text, wholeField] : KPF_FORMAT::kFixedTexts) {
+    if (wholeField) std::fill_n(image.data() + field.offset, field.size, 0);
+    storeText(image, field, text);
+  }
 }
 
 }  // namespace
 
 HeaderImage headerImage(const VLM_INTERNAL::VXP_STREAM_CONFIGURATION& configuration,
                         unsigned framesPerDivFile) {
-  constexpr std::string_view kVersion = VxKPFPackedStream::KPF_PACKED_FILE_v3_0;
-  constexpr std::string_view kConverted = VxKPFPackedStream::KPF_PACKED_CONVERTED;
   HeaderImage image{};
-
-  storeText(image, layout::kVersion, kVersion);
+  storeText2(image, configuration.text2);
+  storeFixed(image);
   storeText(image, layout::kText5, configuration.text5);
   storeDouble(image, layout::kValue7, configuration.value7);
-  storeDouble(image, layout::kScale, 1.0);
-  storeGeometry(image, configuration);
+  store(image.data(), layout::kWidth, configuration.width);
+  store(image.data(), layout::kHeight, configuration.height);
+  const bool packed12 = KPF_FORMAT::isPacked12(static_cast<unsigned>(configuration.bitsPerPixel));
+  store(image.data(), layout::kPacked12, packed12 ? 1 : 0);
+  storeDouble(image, layout::kFrameRate, configuration.frameRate);
+  storeDouble(image, layout::kFrameRateAgain, configuration.frameRate);
   storeDouble(image, layout::kValue3, configuration.value3);
-  storeText(image, layout::kConverted208, kConverted);
-  storeText(image, layout::kConverted278, kConverted);
-  storeText(image, layout::kConverted308, kConverted);
-
-  // text2 runs on behind its field, to the end of the image at most. The numbers and texts stored
-  // after it win where they overlap; between them its bytes stay.
-  storeText(image, {layout::kText2.offset, layout::kSize - layout::kText2.offset},
-            configuration.text2);
-  storeText(image, layout::kConverted384, kConverted);
-  storeText(image, layout::kConverted444, kConverted);
-  store(image.data(), layout::kZero460, 0);
   store(image.data(), layout::kFramesPerDivFile, framesPerDivFile);
   store(image.data(), layout::kFrameCount, configuration.frameCount);
-  store(image.data(), layout::kZero472, 0);
-  store(image.data(), layout::kMarker473, 1);
-  store(image.data(), layout::kZero481, 0);
-  storeDouble(image, layout::kMarker483, 60.0);
-  store(image.data(), layout::kVersionAgain, 0);
-  storeText(image, layout::kVersionAgain, kVersion);
-  store(image.data(), layout::kZero496, 0);
-
-  for (const Field zero : {layout::kZero1746, layout::kZero1754, layout::kZero1762}) {
-    store(image.data(), zero, 0);
-  }
-  store(image.data(), layout::kMarker1766, 1);
-  storeDouble(image, layout::kFrameRateAgain, configuration.frameRate);
-  store(image.data(), layout::kZero1802, 0);
-  const bool listed = configuration.value5 == 1 || configuration.value5 == 2;
-  store(image.data(), layout::kValue5, listed ? static_cast<unsigned>(configuration.value5) : 0);
-  store(image.data(), layout::kZero1882, 0);
+  store(image.data(), layout::kValue5, KPF_FORMAT::storedValue5(configuration.value5));
   return image;
 }
 

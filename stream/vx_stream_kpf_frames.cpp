@@ -1,6 +1,4 @@
 // The frames of a recording: numbering, data files, records.
-#include <fmt/printf.h>
-
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -8,6 +6,8 @@
 #include <system_error>
 #include <utility>
 
+#include "format/kpf_file_names.h"
+#include "format/kpf_sizes.h"
 #include "stream/vx_stream_kpf_packed.h"
 #include "vx_log.h"
 
@@ -81,7 +81,7 @@ bool VxKPFPackedStream::acceptsFrame(const VxKPFPacked* frame) {
 }
 
 std::filesystem::path VxKPFPackedStream::divFileName(unsigned number) const {
-  return fmt::sprintf("%s%s_%04u.div", divFolder, baseName, number);
+  return KPF_FORMAT::divFileName({divFolder, baseName}, number);
 }
 
 // A file that could not be opened keeps its number and is not tried again: its frames are refused
@@ -113,7 +113,7 @@ void VxKPFPackedStream::dropPartialRecord() {
   unsigned number = 0;
   unsigned index = 0;
   calcDivFileInfo(seqNum, number, index);
-  const std::uintmax_t recordSize = std::uintmax_t{VxKPFPacked::getHeaderSize()} + frameSize;
+  const std::uintmax_t recordSize = KPF_FORMAT::recordSizeOf(std::uintmax_t{frameSize});
   const std::uintmax_t whole = index * recordSize;
   const std::filesystem::path name = divFileName(number);
   divFile.close();

@@ -7,7 +7,11 @@
 #include <cstdlib>
 #include <ctime>
 #include <system_error>
+#include <utility>
 
+#include "format/kpf_file_names.h"
+#include "format/kpf_sizes.h"
+#include "format/kpf_status.h"
 #include "stream/vx_kpf_header.h"
 #include "vx_log.h"
 
@@ -17,9 +21,6 @@ namespace {
 using VLM_INTERNAL::VXP_STREAM_CONFIGURATION;
 using VX_KPF_PACKED::VxKPFPacked;
 using VX_LOG::VxLogger;
-
-// No data file grows past this many bytes.
-constexpr unsigned kDivFileLimit = 0x7FFFFFFF;
 
 // Files and folders go by paths alike: on Windows a path and a stream's own name are turned into
 // UTF-16 in two ways, which differ beyond ASCII.
@@ -166,32 +167,30 @@ void VxKPFPackedStream::guidGen(unsigned char* out) {
   }
 }
 
-// Both sums wrap at 32 bits like the sizes themselves: a record of 2^32 bytes would count as 0.
+// The sizes wrap at 32 bits: a record of 2^32 bytes counts as 0, and so none fits.
 bool VxKPFPackedStream::sizeFrames(const VXP_STREAM_CONFIGURATION& config) {
-  frameSize = VX_KPF_PACKED::packedFrameSize(config.width, config.height,
-                                             static_cast<unsigned>(config.bitsPerPixel));
-  const unsigned recordSize = VxKPFPacked::getHeaderSize() + frameSize;
-  framesPerDivFile = recordSize == 0 ? 0 : kDivFileLimit / recordSize;
+  frameSize = KPF_FORMAT::packedFrameSize(config.width, config.height,
+                                          static_cast<unsigned>(config.bitsPerPixel));
+  framesPerDivFile = KPF_FORMAT::recordsPerDivFile(KPF_FORMAT::recordSizeOf(frameSize));
   return framesPerDivFile > 0;
 }
 
 bool VxKPFPackedStream::deriveNames(const std::string& name) {
   const auto log = VxLogger::factory();
-  const std::size_t dot = name.rfind('.');
-  if (dot == std::string::npos) {
+  const auto stem = KPF_FORMAT::withoutExtension(name);
+  if (!stem) {
     log->vx_log(VX_LOG::kWarning, "%s: streamName is missing a file extension!",
                 "prepareForWriting");
     return false;
   }
-  if (dot == 0) {
+  if (stem->empty()) {
     log->vx_log(VX_LOG::kWarning, "%s: streamName has nothing before its file extension!",
                 "prepareForWriting");
     return false;
   }
-  divFolder = name.substr(0, dot);
-  const char separator = divFolder.find('/') != std::string::npos ? '/' : '\\';
-  baseName = divFolder.substr(divFolder.rfind(separator) + 1);  // npos + 1 is the start
-  if (divFolder.back() != separator) divFolder += separator;
+  auto [folder, base] = KPF_FORMAT::dataNames(*stem);
+  divFolder = std::move(folder);
+  baseName = std::move(base);
   streamName = name;
   return true;
 }
@@ -225,15 +224,13 @@ unsigned VxKPFPackedStream::createDivFolder() {
 
 // A text file: its lines end as the platform's text does. Failures are passed over in silence.
 void VxKPFPackedStream::writeStatusFile() const {
-  const std::string name = streamName + ".incomplete.txt";
+  const std::string name = KPF_FORMAT::statusFileName(streamName);
   VxLogger::factory()->vx_log(VX_LOG::kError,
                               "%s: KPF Packed streamStatus is not marked complete.  Writing %s to "
                               "document incomplete status.",
                               "closeStream", name.c_str());
   std::ofstream file(pathOf(name), std::ios::out | std::ios::trunc);
-  file << "Packed stream is incomplete and was not fully processed." << std::endl
-       << "Please review log data for possible error conditions." << std::endl
-       << "Status:" << std::endl;
+  file << KPF_FORMAT::kStatusText << std::flush;
 }
 
 }  // namespace VLM_KPF

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "format/kpf_fixed.h"
 #include "packed/vx_kpf_packed.h"
 #include "vlm_configuration.h"
 #include "vlm_results.h"
@@ -23,11 +24,11 @@ namespace VLM_KPF {
  */
 class VxKPFPackedStream {
  public:
-  static constexpr std::string_view KPF_PACKED_HEADER_EXTENSION = "kpf";
-  static constexpr std::string_view KPF_PACKED_DIV_EXTENSION = "div";
-  static constexpr std::string_view KPF_PACKED_FILE_v3_0 = "v3.0";
-  static constexpr std::string_view KPF_PACKED_CONVERTED = "Converted";
-  static constexpr std::string_view VELMAR_GENERATED = "Velmar Generated";
+  static constexpr std::string_view KPF_PACKED_HEADER_EXTENSION = KPF_FORMAT::kHeaderExtension;
+  static constexpr std::string_view KPF_PACKED_DIV_EXTENSION = KPF_FORMAT::kDivExtension;
+  static constexpr std::string_view KPF_PACKED_FILE_v3_0 = KPF_FORMAT::kVersion;
+  static constexpr std::string_view KPF_PACKED_CONVERTED = KPF_FORMAT::kConverted;
+  static constexpr std::string_view VELMAR_GENERATED = KPF_FORMAT::kGenerated;
 
   /// Switches the logger's standard-output and syslog flags on, whatever they were.
   VxKPFPackedStream();
@@ -47,7 +48,7 @@ class VxKPFPackedStream {
   unsigned prepareForWriting(const std::string& streamName,
                              const VLM_INTERNAL::VXP_STREAM_CONFIGURATION& config);
 
-  /// Closes the files; writes the status file `streamName`.incomplete.txt when frames are missing.
+  /// Closes the files; writes the status file beside the header file when frames are missing.
   /// @return always STREAM_CLOSED.
   unsigned closeStream();
 

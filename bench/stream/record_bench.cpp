@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "bench/support/jobs.h"
+#include "format/kpf_sizes.h"
 #include "tests/support/files.h"
 #include "vlm_internal.h"
 
@@ -20,12 +21,13 @@ namespace {
 
 // Few enough that the system does not begin to write them to the device.
 constexpr unsigned kFrames = 32;
-constexpr std::size_t kHeader = 16;
 
 using TEST_SUPPORT::TemporaryFolder;
 using AddFrame = std::function<int(unsigned stream, const unsigned char* data)>;
 
-std::size_t packedBytes(FrameSize size) { return size.pixels() * 3 / 2; }
+std::size_t recordSizeOf(FrameSize size) {
+  return KPF_FORMAT::recordSizeOf(KPF_FORMAT::packedSizeOf(size.pixels(), true));
+}
 
 /// One recording after the other in the same place.
 class Recorder {
@@ -88,7 +90,7 @@ class PlainFile {
   void open() {
     close(file_);
     folder_.emplace();
-    file_ = ::open((*folder_ / "bench.div").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
+    file_ = ::open((*folder_ / "bench.bytes").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
   }
 
   std::optional<TemporaryFolder> folder_;
@@ -97,7 +99,7 @@ class PlainFile {
 };
 
 TimedJob writeJob(FrameSize size) {
-  const std::size_t record = kHeader + packedBytes(size);
+  const std::size_t record = recordSizeOf(size);
   auto file = std::make_shared<PlainFile>();
   auto in = std::make_shared<BufferRing>(record, record);
   return [=] { return file->write(in->next(), record); };
@@ -107,7 +109,7 @@ TimedJob writeJob(FrameSize size) {
 
 void addJobs() {
   for (const FrameSize size : kFrameSizes) {
-    const std::size_t record = kHeader + packedBytes(size);
+    const std::size_t record = recordSizeOf(size);
     addTimedJob("record-image", size, size.pixels() * 2 + record,
                 [=] { return recordJob(size, size.pixels() * 2, vxAddTiffImageData); });
     addTimedJob("record-packed", size, 2 * record,

@@ -6,7 +6,6 @@
 namespace {
 
 using TEST_SUPPORT::Bytes;
-using VX_KPF_PACKED::packedFrameSize;
 using VX_KPF_PACKED::VxKPFPacked;
 
 Bytes headerOf(const VxKPFPacked& frame) {
@@ -93,24 +92,6 @@ TEST(Frame, RecordOfOnlyAHeaderHasAnArrayOfNoBytes) {
   frame.setPackedData(record.data(), 16, 0, 0, 8);
   EXPECT_NE(frame.getPackedData(), nullptr);
   EXPECT_EQ(frame.packedSize, 0U);
-}
-
-TEST(Frame, SizeIsAByteAPixelOnlyAtExactlyEightBits) {
-  EXPECT_EQ(packedFrameSize(640, 480, 8), 307200U);
-  for (const unsigned bits : {0U, 1U, 7U, 9U, 10U, 12U, 16U, 0xFFFFFFFFU}) {
-    EXPECT_EQ(packedFrameSize(640, 480, bits), 460800U) << bits;
-  }
-}
-
-TEST(Frame, OddNumberOfPixelsIsHalvedDownwards) {
-  EXPECT_EQ(packedFrameSize(3, 3, 12), 13U);
-  EXPECT_EQ(packedFrameSize(1, 1, 12), 1U);
-}
-
-TEST(Frame, SizeWrapsAt32Bits) {
-  EXPECT_EQ(packedFrameSize(65536, 65537, 8), 65536U);
-  // 2^31 pixels, three times that wraps to 2^31, half of it is 2^30.
-  EXPECT_EQ(packedFrameSize(32768, 65536, 12), 1U << 30);
 }
 
 }  // namespace

@@ -1,0 +1,56 @@
+#include "reader/kpf_div_files.h"
+
+#include <filesystem>
+#include <optional>
+#include <system_error>
+#include <vector>
+
+#include "reader/kpf_reader.h"
+
+namespace KPF_READER {
+namespace fs = std::filesystem;
+using KPF_FORMAT::DataNames;
+namespace {
+
+/// The places to look in, the most likely first: where the writer puts them; files that it put
+/// beside the header, with a backslash in their names, and that were moved into a folder; the same
+/// files where it put them, seen from another folder.
+std::vector<DataNames> candidates(const std::string& headerPath) {
+  const std::optional<std::string> stem = KPF_FORMAT::withoutExtension(headerPath);
+  if (!stem) {
+    throw RecordingError(headerPath, 0, "the name has no extension, so the data has no folder");
+  }
+  const fs::path header(headerPath);
+  const std::string base = header.stem().string();
+  const fs::path beside = header.parent_path();
+  return {KPF_FORMAT::dataNames(*stem),
+          {(beside / base / "").string(), base},
+          {(beside / (base + "\\")).string(), base}};
+}
+
+}  // namespace
+
+DataNames findDataNames(const std::string& headerPath) {
+  const std::vector<DataNames> places = candidates(headerPath);
+  for (const DataNames& names : places) {
+    if (!findDivFiles(names).empty()) return names;
+  }
+  return places.front();
+}
+
+std::map<std::uint32_t, std::string> findDivFiles(const DataNames& names) {
+  const fs::path path(names.folder + names.base);
+  const fs::path folder = path.has_parent_path() ? path.parent_path() : fs::path(".");
+  const DataNames inFolder{"", path.filename().string()};
+  std::map<std::uint32_t, std::string> files;
+  std::error_code stopped;
+  for (fs::directory_iterator entry(folder, stopped), none; entry != none;
+       entry.increment(stopped)) {
+    const std::uint32_t number =
+        KPF_FORMAT::divFileNumber(inFolder, entry->path().filename().string());
+    if (number != 0) files.emplace(number, KPF_FORMAT::divFileName(names, number));
+  }
+  return files;
+}
+
+}  // namespace KPF_READER
