@@ -131,6 +131,13 @@ class Record(VideoTest):
         self.assertEqual(sorted(os.listdir(self.path("clip"))), ["clip_0001.div", "notes.txt"])
         self.assertFalse(os.path.exists(self.path("clip.kpf.incomplete.txt")))
 
+    def test_force_leaves_what_no_recorder_names_so(self):
+        names = ["clip_0000.div", "clip_00002.div", "clip_2.div", "clips_0002.div"]
+        for name in names:
+            self.write("clip/" + name, b"kept")
+        self.record("eight.y4m", "clip.kpf", "--force")
+        self.assertEqual(sorted(os.listdir(self.path("clip"))), sorted(["clip_0001.div", *names]))
+
     def test_failed_input_leaves_an_older_recording_alone(self):
         self.refused("cannot open", "missing.avi", "clip.kpf", "--force")
         self.assertEqual(self.kpf("verify", "clip.kpf")[0], 0)

@@ -5,9 +5,11 @@
 #include <algorithm>
 #include <filesystem>
 #include <set>
-#include <string_view>
 #include <system_error>
 
+#include "format/kpf_file_names.h"
+#include "format/kpf_layout.h"
+#include "format/kpf_status.h"
 #include "tools/kpf/terminal/recording_text.h"
 
 namespace KPF_TOOL {
@@ -17,11 +19,7 @@ using KPF_READER::Header;
 using KPF_READER::Recording;
 namespace {
 
-constexpr std::uint64_t kFrameCountOffset = 468;  // in the header file
-constexpr std::string_view kStatusText =
-    "Packed stream is incomplete and was not fully processed.\n"
-    "Please review log data for possible error conditions.\n"
-    "Status:\n";
+constexpr std::uint64_t kFrameCountOffset = KPF_FORMAT::HEADER::kFrameCount.offset;
 
 std::uint32_t firstRecordOf(const Header& header, std::uint64_t divFile) {
   return static_cast<std::uint32_t>((divFile - 1) * header.framesPerDivFile);
@@ -86,7 +84,7 @@ bool checkStatusFile(const Recording& recording, bool complete, Findings& findin
   try {
     const std::optional<std::string> status = recording.statusFile();
     if (!status) return false;
-    if (withoutCarriageReturns(*status) != kStatusText) {
+    if (withoutCarriageReturns(*status) != KPF_FORMAT::kStatusText) {
       add("not the text that a recorder leaves");
     } else {
       add(complete ? "says that frames are missing, and none is"
@@ -130,8 +128,7 @@ void checkHeader(const Recording& recording, Findings& findings) {
 void checkStrayFiles(const Recording& recording, Findings& findings) {
   const fs::path first(recording.divFilePath(1));
   const fs::path folder = first.has_parent_path() ? first.parent_path() : fs::path(".");
-  const std::string name = first.filename().string();
-  const std::string start = name.substr(0, name.size() - std::string_view("0001.div").size());
+  const std::string start = KPF_FORMAT::divFilePrefix(first.filename().string());
   // Data files that lie beside the header have neighbours of their own right.
   std::error_code error;
   const bool shared = fs::exists(folder / fs::path(recording.path()).filename(), error);

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "format/kpf_layout.h"
 #include "tools/kpf/terminal/recording_text.h"
 
 namespace KPF_TOOL {
@@ -15,6 +16,7 @@ using KPF_READER::DivFile;
 using KPF_READER::FrameRecord;
 using KPF_READER::Header;
 using KPF_READER::Recording;
+namespace layout = KPF_FORMAT::FRAME_HEADER;
 namespace {
 
 constexpr std::size_t kBlock = std::size_t{1} << 20;
@@ -60,12 +62,13 @@ class RecordChecker {
       findings_.add({problem, file, record.place, record.offset + offset, text});
     };
     if (record.sequenceNumber != record.place) {
-      add(Problem::kSequence, 0, fmt::format("the record says number {}", record.sequenceNumber));
+      add(Problem::kSequence, layout::kSequenceNumber.offset,
+          fmt::format("the record says number {}", record.sequenceNumber));
     }
     const std::string time = timeProblem(record);
-    if (!time.empty()) add(Problem::kTime, 4, time);
+    if (!time.empty()) add(Problem::kTime, layout::kSeconds.offset, time);
     if (const auto at = KPF_READER::findByteBetweenRows(header_, record.pixels)) {
-      add(Problem::kBetweenRows, kFrameHeader + *at, "not zero, where no pixel is stored");
+      add(Problem::kBetweenRows, layout::kSize + *at, "not zero, where no pixel is stored");
     }
     before_ = {record.place, {record.seconds, record.microseconds}};
     hasBefore_ = true;
@@ -74,8 +77,6 @@ class RecordChecker {
   std::uint32_t placeholders() const { return placeholders_; }
 
  private:
-  static constexpr std::uint64_t kFrameHeader = 16;
-
   std::string timeProblem(const FrameRecord& record) const {
     // Without a frame rate, times mean nothing.
     if (header_.frameRate <= 0) return "";

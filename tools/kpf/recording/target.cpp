@@ -3,19 +3,14 @@
 #include <fmt/format.h>
 
 #include <filesystem>
-#include <regex>
 
+#include "format/kpf_file_names.h"
+#include "format/kpf_status.h"
 #include "tools/kpf/terminal/recording_text.h"
 #include "tools/kpf/terminal/tool_error.h"
 
 namespace KPF_TOOL {
 namespace fs = std::filesystem;
-namespace {
-
-/// Name and folder of the data files belong to the name without its extension.
-fs::path stemOf(const std::string& header) { return header.substr(0, header.rfind('.')); }
-
-}  // namespace
 
 std::string headerPath(const std::string& output) {
   const fs::path path(output);
@@ -28,16 +23,14 @@ std::string headerPath(const std::string& output) {
 
 std::vector<std::string> filesOf(const std::string& header) {
   std::vector<std::string> files;
-  for (const std::string& name : {header, header + ".incomplete.txt"}) {
+  for (const std::string& name : {header, KPF_FORMAT::statusFileName(header)}) {
     if (fs::exists(name)) files.push_back(name);
   }
-  const fs::path folder = stemOf(header);
-  const std::string base = folder.filename().string() + "_";
-  static const std::regex number(R"(\d{4,}\.div)");
-  if (!fs::is_directory(folder)) return files;
-  for (const auto& entry : fs::directory_iterator(folder)) {
+  const auto names = KPF_FORMAT::dataNames(KPF_FORMAT::withoutExtension(header).value_or(header));
+  if (!fs::is_directory(names.folder)) return files;
+  for (const auto& entry : fs::directory_iterator(names.folder)) {
     const std::string name = entry.path().filename().string();
-    if (name.starts_with(base) && std::regex_match(name.substr(base.size()), number)) {
+    if (KPF_FORMAT::divFileNumber({"", names.base}, name) != 0) {
       files.push_back(entry.path().string());
     }
   }
