@@ -66,6 +66,8 @@ foreach(program IN ITEMS caller caller_static)
   endif()
 endforeach()
 
+run(${EMULATOR} ${FOLDER}/build/both${suffix} ${FOLDER}/out)
+
 if(PKG_CONFIG)
   set(ENV{PKG_CONFIG_PATH} ${PREFIX}/${LIBDIR}/pkgconfig)
   execute_process(COMMAND ${PKG_CONFIG} --cflags --libs vlm_internal
