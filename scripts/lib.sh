@@ -31,12 +31,21 @@ wrong_usage() {
   exit 2
 }
 
-# build_preset PRESET [CMAKE OPTION...]: configures and builds it in build/PRESET.
-build_preset() {
-  local preset=$1
-  shift
-  # Only for a folder that is new: CMake stays with the generator that a folder was begun with.
+# Only for a folder that is new: CMake stays with what a folder was begun with.
+prepare_cmake() {
   if command -v ninja > /dev/null; then export CMAKE_GENERATOR=${CMAKE_GENERATOR:-Ninja}; fi
-  (cd "$root" && cmake --preset "$preset" --log-level=WARNING "$@" &&
-    cmake --build --preset "$preset" --parallel "$jobs")
+}
+
+# build_preset PRESET [CMAKE OPTION...] [-- TARGET...]: configures and builds it in build/PRESET.
+build_preset() {
+  local preset=$1 options=()
+  shift
+  while (($# > 0)) && [[ $1 != -- ]]; do
+    options+=("$1")
+    shift
+  done
+  if (($# > 0)); then shift; fi
+  prepare_cmake
+  (cd "$root" && cmake --preset "$preset" --log-level=WARNING "${options[@]}" &&
+    cmake --build --preset "$preset" --parallel "$jobs" ${1:+--target "$@"})
 }
