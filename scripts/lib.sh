@@ -34,6 +34,12 @@ wrong_usage() {
 # Only for a folder that is new: CMake stays with what a folder was begun with.
 prepare_cmake() {
   if command -v ninja > /dev/null; then export CMAKE_GENERATOR=${CMAKE_GENERATOR:-Ninja}; fi
+  if command -v ccache > /dev/null; then
+    export CMAKE_C_COMPILER_LAUNCHER=${CMAKE_C_COMPILER_LAUNCHER-ccache}
+    export CMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER-ccache}
+    # What ccache asks for before it keeps anything that uses a precompiled header.
+    export CCACHE_SLOPPINESS=${CCACHE_SLOPPINESS-pch_defines,time_macros}
+  fi
 }
 
 # build_preset PRESET [CMAKE OPTION...] [-- TARGET...]: configures and builds it in build/PRESET.
