@@ -3,8 +3,10 @@
 #define KPF_FFMPEG_H
 
 extern "C" {
-#include <libavcodec/avcodec.h>
+#ifdef KPF_OPENS_CAMERAS
 #include <libavdevice/avdevice.h>
+#endif
+#include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
 #include <libavutil/imgutils.h>
 #include <libavutil/opt.h>

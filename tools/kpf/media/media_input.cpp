@@ -48,6 +48,19 @@ void copyRow(const unsigned char* in, int bits, unsigned char* out, Samples samp
   }
 }
 
+#ifdef KPF_OPENS_CAMERAS
+const AVInputFormat* cameraFormat(const std::string&) {
+  avdevice_register_all();
+  return av_find_input_format("v4l2");
+}
+#else
+const AVInputFormat* cameraFormat(const std::string& name) {
+  throw ToolError(kWrongOrUnreadable,
+                  fmt::format("cannot open {}: this kpf was built without cameras", name),
+                  "Install libavdevice-dev, and build it again.");
+}
+#endif
+
 }  // namespace
 
 bool MediaInput::playsOnce(const std::string& name) {
@@ -73,11 +86,8 @@ MediaInput::MediaInput(const std::string& name, Samples samples)
 MediaInput::~MediaInput() { avformat_close_input(&format_); }
 
 void MediaInput::openFile() {
-  const AVInputFormat* device = nullptr;
-  if (name_.starts_with("/dev/video")) {
-    avdevice_register_all();
-    device = av_find_input_format("v4l2");
-  }
+  const AVInputFormat* const device =
+      name_.starts_with("/dev/video") ? cameraFormat(name_) : nullptr;
   const std::string url = name_ == "-" ? "pipe:0" : name_;
   // A wait for a camera or a pipe ends when the user wants to stop.
   format_ = avformat_alloc_context();
