@@ -41,7 +41,7 @@ void copyRow(const unsigned char* in, int bits, unsigned char* out, Samples samp
     return;
   }
   for (std::size_t x = 0; x < width; ++x) {
-    const unsigned raw = inBytes == 1 ? in[x] : in[2 * x] | in[2 * x + 1] << 8;
+    const unsigned raw = inBytes == 1 ? in[x] : in[2 * x] | unsigned{in[2 * x + 1]} << 8;
     const unsigned value = raw << (16 - bits);
     if (samples == Samples::k16Bit) *out++ = static_cast<unsigned char>(value);
     *out++ = static_cast<unsigned char>(value >> 8);
