@@ -17,12 +17,6 @@ class CommandLine(RecordingTest):
             self.assertIn("\n  " + command + " ", out)
         self.assertNotIn("sheet", out)
 
-    def test_every_command_has_an_example(self):
-        for command in ("record", "info", "verify", "export", "amplify"):
-            code, out, err = self.kpf(command, "--help")
-            self.assertEqual((code, err), (0, ""))
-            self.assertIn("Example: kpf " + command, out)
-
     def test_wrong_usage(self):
         for arguments in ((), ("unknown",), ("info",), ("info", "clip.kpf", "--unknown")):
             code, out, err = self.kpf(*arguments)

@@ -3,14 +3,18 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <set>
+#include <string>
 #include <system_error>
 
 #include "format/kpf_file_names.h"
 #include "format/kpf_layout.h"
 #include "format/kpf_status.h"
-#include "tools/kpf/terminal/recording_text.h"
+#include "tools/kpf/terminal/text.h"
 
 namespace KPF_TOOL {
 namespace fs = std::filesystem;
@@ -25,6 +29,7 @@ std::uint32_t firstRecordOf(const Header& header, std::uint64_t divFile) {
   return static_cast<std::uint32_t>((divFile - 1) * header.framesPerDivFile);
 }
 
+/// One finding for a whole run of data files: a wrong header may announce millions.
 void addMissing(const Recording& recording, std::uint64_t first, std::uint64_t last,
                 Findings& findings) {
   if (first > last) return;
@@ -39,6 +44,7 @@ void addMissing(const Recording& recording, std::uint64_t first, std::uint64_t l
                 firstRecordOf(recording.header(), first), 0, text});
 }
 
+/// How far a data file goes that ends too early.
 std::string shortText(const DivFile& file, std::uint32_t full, std::size_t recordSize) {
   const std::string cut =
       file.trailingBytes == 0
@@ -60,6 +66,7 @@ void checkLength(const Recording& recording, const DivFile& file, Findings& find
   }
 }
 
+/// Walks over the files that are there and names those between them.
 void checkDivFiles(const Recording& recording, Findings& findings) {
   std::uint64_t next = 1;
   for (const DivFile& file : recording.divFiles()) {

@@ -1,6 +1,6 @@
 // The checks of a recording's files that need no look at the frames.
-#ifndef CHECK_FILES_H
-#define CHECK_FILES_H
+#ifndef KPF_CHECK_FILES_H
+#define KPF_CHECK_FILES_H
 
 #include "kpf_reader.h"
 #include "tools/kpf/checks/findings.h"

@@ -3,13 +3,17 @@
 #include <fmt/format.h>
 
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <fstream>
 #include <limits>
+#include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
 #include "format/kpf_layout.h"
-#include "tools/kpf/terminal/recording_text.h"
+#include "tools/kpf/terminal/text.h"
 
 namespace KPF_TOOL {
 using KPF_READER::DivFile;

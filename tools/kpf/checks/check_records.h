@@ -1,7 +1,8 @@
 // The checks of every frame record.
-#ifndef CHECK_RECORDS_H
-#define CHECK_RECORDS_H
+#ifndef KPF_CHECK_RECORDS_H
+#define KPF_CHECK_RECORDS_H
 
+#include <cstdint>
 #include <functional>
 
 #include "kpf_reader.h"

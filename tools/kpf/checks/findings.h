@@ -1,6 +1,6 @@
 // What is wrong with a recording, place by place.
-#ifndef FINDINGS_H
-#define FINDINGS_H
+#ifndef KPF_FINDINGS_H
+#define KPF_FINDINGS_H
 
 #include <cstdint>
 #include <map>
@@ -10,6 +10,7 @@
 
 namespace KPF_TOOL {
 
+/// The kinds of findings. Programs know them by the words of nameOf, so these do not change.
 enum class Problem {
   kHeader,         // a header field has a value that it cannot have
   kFramesPerFile,  // the header announces another number of frames a data file than fit
@@ -28,19 +29,22 @@ enum class Problem {
 /// A word for it, for programs.
 const char* nameOf(Problem problem);
 
+/// One thing that is not as it must be, and where.
 struct Finding {
   Problem problem;
-  std::string file;
+  std::string file;                     // as it was opened, not escaped
   std::optional<std::uint32_t> record;  // number in the stream, from 0, where it is about one
   std::uint64_t offset = 0;             // in the file
   std::string text;
 };
 
-/// Collects findings; of each kind it keeps the first hundred, and counts the others.
+/// Collects findings; of each kind it keeps the first hundred, and counts the others: a recording
+/// of a million damaged records must not fill the memory.
 class Findings {
  public:
   void add(const Finding& finding);
   const std::vector<Finding>& kept() const { return kept_; }
+  /// All of them, also those that were not kept.
   std::uint64_t count() const { return count_; }
   /// Of the findings about missing or damaged records, the one with the lowest record.
   const std::optional<Finding>& firstDamage() const { return firstDamage_; }

@@ -1,160 +1,155 @@
-#include "tools/kpf/commands/amplify.h"
-
+// kpf amplify: small movements become visible.
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstdio>
 #include <limits>
-#include <new>
+#include <memory>
+#include <optional>
+#include <string>
 #include <vector>
 
-#include "tools/kpf/frames/canvas.h"
-#include "tools/kpf/frames/frame_source.h"
-#include "tools/kpf/media/media_output.h"
-#include "tools/kpf/terminal/session.h"
+#include "tools/kpf/commands/commands.h"
+#include "tools/kpf/commands/open.h"
+#include "tools/kpf/frames/amplifier.h"
+#include "tools/kpf/frames/comparison.h"
+#include "tools/kpf/terminal/captured_output.h"
+#include "tools/kpf/terminal/interrupt.h"
+#include "tools/kpf/terminal/progress.h"
 #include "tools/kpf/terminal/tool_error.h"
-#include "vlm_internal.h"
 
 namespace KPF_TOOL {
 namespace {
 
-constexpr unsigned kGap = 8;     // pixels between pictures that are compared
-constexpr unsigned kMargin = 7;  // pixels around a caption
-
-/// One amplifier of the library and the buffers around it.
-class Amplifier {
- public:
-  Amplifier(const FrameSource& source, const AmplifyOptions& options, double rate)
-      : size_(std::size_t{source.width()} * source.height()), reference_(size_), amplified_(size_) {
-    const VXP_MA_CONFIGURATION parameters{rate, options.frequency, static_cast<int>(source.width()),
-                                          static_cast<int>(source.height()), options.gain};
-    handle_ = vxCreateMotionAmplifier(&parameters);
-  }
-  ~Amplifier() { vxCloseMotionAmplifier(handle_); }
-  Amplifier(const Amplifier&) = delete;
-  Amplifier& operator=(const Amplifier&) = delete;
-
-  /// The frames that the window takes before the first one is amplified, that one not counted.
-  std::uint64_t fillingFrames() const {
-    return static_cast<std::uint64_t>(std::max(vxMAGetRefWindowSize(handle_) - 2, 0));
-  }
-
-  /// While the window fills, frame and reference are the frame itself.
-  void add(const std::vector<unsigned char>& frame) {
-    auto* const taken = static_cast<unsigned char*>(::operator new(size_));
-    std::copy(frame.begin(), frame.end(), taken);
-    vxMAAddFrame(handle_, taken);
-    if (vxMAAvailable(handle_)) {
-      vxMAGetFrame(handle_, amplified_.data());
-      vxMAGetRefFrame(handle_, reference_.data());
-    } else {
-      amplified_ = frame;
-      reference_ = frame;
-    }
-  }
-
-  const std::vector<unsigned char>& reference() const { return reference_; }
-  const std::vector<unsigned char>& amplified() const { return amplified_; }
-
- private:
-  unsigned handle_ = 0;
-  std::size_t size_;
-  std::vector<unsigned char> reference_;
-  std::vector<unsigned char> amplified_;
+struct AmplifyOptions {
+  std::string input;     // a recording, or whatever FFmpeg opens
+  std::string output;    // see openOutput
+  double frequency = 1;  // of the motion, in hertz
+  double gain = 4;
+  double rate = 0;       // frames per second; 0: the input's
+  bool compare = false;  // original, reference and amplified frame side by side
+  FrameRange range;
+  bool quiet = false;
 };
 
-/// Three frames side by side under their captions.
-class Comparison {
- public:
-  Comparison(unsigned width, unsigned height, const AmplifyOptions& options)
-      : width_(width),
-        height_(height),
-        canvas_(3 * width + 2 * kGap, height + Canvas::kCaptionHeight) {
-    canvas_.write("ORIGINAL", kMargin, kMargin);
-    canvas_.write("REFERENCE", width + kGap + kMargin, kMargin);
-    canvas_.write(fmt::format("AMPLIFIED {:g}X AT {:g} HZ", options.gain, options.frequency),
-                  2 * (width + kGap) + kMargin, kMargin);
-  }
-
-  unsigned width() const { return canvas_.width(); }
-  unsigned height() const { return canvas_.height(); }
-
-  const unsigned char* of(const std::vector<unsigned char>& frame, const Amplifier& amplifier) {
-    const std::vector<unsigned char>* pictures[] = {&frame, &amplifier.reference(),
-                                                    &amplifier.amplified()};
-    unsigned x = 0;
-    for (const auto* picture : pictures) {
-      canvas_.place(picture->data(), width_, height_, x, Canvas::kCaptionHeight);
-      x += width_ + kGap;
-    }
-    return canvas_.rows();
-  }
-
- private:
-  unsigned width_;
-  unsigned height_;
-  Canvas canvas_;
-};
-
-double rateOf(const FrameSource& source, const AmplifyOptions& options) {
+/// The frame rate to go by. @throws ToolError when the motion cannot be amplified at it.
+double checkedRate(const FrameSource& source, const AmplifyOptions& options) {
   const double rate = options.rate > 0 ? options.rate : source.frameRate();
   if (rate <= 0) {
-    throw ToolError(kWrongOrUnreadable, fmt::format("{} tells no frame rate", options.input),
+    throw ToolError(Outcome::kWrongUsage, fmt::format("{} tells no frame rate", options.input),
                     "Give one with --rate.");
   }
   if (options.frequency * 2 > rate) {
     throw ToolError(
-        kWrongOrUnreadable,
+        Outcome::kWrongUsage,
         fmt::format("{:g} frames/s do not show a motion of {:g} Hz", rate, options.frequency),
         "Choose a --frequency of at most half the frame rate.");
   }
+  // The window spans three cycles, and the library counts its frames in an int.
   if (rate / options.frequency * 3 > std::numeric_limits<int>::max()) {
-    throw ToolError(kWrongOrUnreadable, "the window would hold too many frames",
+    throw ToolError(Outcome::kWrongUsage, "the window would hold too many frames",
                     "Choose a higher --frequency.");
   }
   return rate;
 }
 
-}  // namespace
+/// Source, amplifier and output, and the frames that go through them.
+class AmplifyRun {
+ public:
+  AmplifyRun(FrameSource& source, const AmplifyOptions& options)
+      : source_(source),
+        options_(options),
+        rate_(checkedRate(source, options)),
+        amplifier_({rate_, options.frequency, static_cast<int>(source.width()),
+                    static_cast<int>(source.height()), options.gain}),
+        frame_(source.frameSize()) {
+    PictureFormat format{source.width(), source.height(), Samples::k8Bit, rate_,
+                         options.range.first()};
+    if (options.compare) {
+      comparison_.emplace(source.width(), source.height(),
+                          std::array<std::string, 3>{"ORIGINAL", "REFERENCE", caption()});
+      format.width = comparison_->width();
+      format.height = comparison_->height();
+    }
+    output_ = openOutput(options.output, format);
+  }
 
-int runAmplify(const AmplifyOptions& options) {
+  /// @return frames written.
+  std::uint64_t run() {
+    Progress progress(options_.quiet, source_.frameCount());
+    // The window is filled from the frames before the first one that is asked for.
+    const std::uint64_t first = options_.range.first();
+    std::uint64_t number = first - std::min(first, amplifier_.fillingFrames());
+    source_.skip(number);
+    std::uint64_t shown = 0;
+    for (; !Interrupt::requested() && !options_.range.endsBefore(number) && source_.next();
+         ++number) {
+      source_.copyTo(frame_.data(), source_.rowSize());
+      amplifier_.add(frame_);
+      if (!options_.range.holds(number)) continue;
+      output_->add(picture());
+      progress.show(++shown);
+    }
+    output_->finish();
+    return shown;
+  }
+
+ private:
+  std::string caption() const {
+    return fmt::format("AMPLIFIED {:g}X AT {:g} HZ", options_.gain, options_.frequency);
+  }
+
+  const unsigned char* picture() {
+    if (!comparison_) return amplifier_.amplified().data();
+    return comparison_->of(
+        {frame_.data(), amplifier_.reference().data(), amplifier_.amplified().data()});
+  }
+
+  FrameSource& source_;
+  const AmplifyOptions& options_;
+  double rate_;
+  Amplifier amplifier_;
+  std::vector<unsigned char> frame_;
+  std::optional<Comparison> comparison_;  // nothing where only the amplified frame is wanted
+  std::unique_ptr<PictureOutput> output_;
+};
+
+Outcome runAmplify(const AmplifyOptions& options) {
   const Interrupt interrupt;
   const auto source = openFrames(options.input, Samples::k8Bit);
-  const double rate = rateOf(*source, options);
-  Amplifier amplifier(*source, options, rate);
-  Comparison comparison(source->width(), source->height(), options);
-  PictureFormat format{source->width(), source->height(), Samples::k8Bit, rate,
-                       options.range.first()};
-  if (options.compare) {
-    format.width = comparison.width();
-    format.height = comparison.height();
+  AmplifyRun job(*source, options);
+  const CapturedOutput captured;  // from here on standard output is the library's
+  const std::uint64_t shown = job.run();
+  if (Interrupt::requested()) {
+    fmt::print(stderr, "kpf: interrupted after {} frames\n", shown);
+    return Outcome::kCutShort;
   }
-  const auto output = openOutput(options.output, format);
-  const LibraryWords words;  // from here on standard output is the library's
+  if (shown > 0) return Outcome::kDone;
+  throw ToolError(Outcome::kWrongUsage, fmt::format("{} holds no such frames", options.input),
+                  "Choose other frames with --from and --to.");
+}
 
-  std::vector<unsigned char> frame(std::size_t{source->width()} * source->height());
-  // The window is filled from the frames before the first one that is asked for.
-  std::uint64_t number =
-      options.range.first() - std::min(options.range.first(), amplifier.fillingFrames());
-  source->skip(number);
-  Progress progress(options.quiet, source->frameCount());
-  std::uint64_t shown = 0;
-  bool more = true;
-  for (; !Interrupt::requested() && (!options.range.to || number <= *options.range.to); ++number) {
-    more = source->next(frame.data());
-    if (!more) break;
-    amplifier.add(frame);
-    if (!options.range.holds(number)) continue;
-    output->add(options.compare ? comparison.of(frame, amplifier) : amplifier.amplified().data());
-    progress.show(++shown);
-  }
-  output->finish();
-  if (shown == 0 && !Interrupt::requested()) {
-    throw ToolError(kWrongOrUnreadable, fmt::format("{} holds no such frames", options.input),
-                    "Choose other frames with --from and --to.");
-  }
-  if (!Interrupt::requested()) return kDone;
-  fmt::print(stderr, "kpf: interrupted after {} frames\n", shown);
-  return kProblems;
+}  // namespace
+
+void addAmplify(CLI::App& app, Job& job) {
+  const auto [line, options] =
+      addCommand(app, job, "amplify", "Make small movements visible", runAmplify);
+  line.add_option("INPUT", options.input, "recording (.kpf), or what record takes")->required();
+  line.add_option("OUT", options.output, ".mkv, .mp4, frame_%06d.png or .tif, - raw")->required();
+  line.add_option("--frequency", options.frequency, "of the motion, in hertz")
+      ->check(CLI::PositiveNumber)
+      ->capture_default_str();
+  line.add_option("--gain", options.gain, "on what differs from the reference")
+      ->capture_default_str();
+  line.add_option("--rate", options.rate, "frames per second instead of the input's")
+      ->check(CLI::PositiveNumber);
+  line.add_flag("--compare", options.compare, "original, reference, amplified side by side");
+  addRange(line, options.range);
+  line.add_flag("--quiet", options.quiet, "no progress");
+  addFooter(line, "kpf amplify clip.kpf moving.mp4 --frequency 5 --gain 8 --compare",
+            {"every frame that was asked for is there", kCutShortText, kNotBegunText});
 }
 
 }  // namespace KPF_TOOL

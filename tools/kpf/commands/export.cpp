@@ -1,26 +1,30 @@
-#include "tools/kpf/commands/export.h"
-
+// kpf export: a recording becomes a video, images, or raw frames in a pipe.
 #include <fmt/format.h>
 
-#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <string>
 #include <vector>
 
-#include "tools/kpf/frames/frame_source.h"
-#include "tools/kpf/media/media_output.h"
-#include "tools/kpf/terminal/session.h"
+#include "tools/kpf/commands/commands.h"
+#include "tools/kpf/commands/open.h"
+#include "tools/kpf/frames/recorded_frames.h"
+#include "tools/kpf/terminal/interrupt.h"
+#include "tools/kpf/terminal/progress.h"
 #include "tools/kpf/terminal/tool_error.h"
 
 namespace KPF_TOOL {
 namespace {
 
-/// How many frames of the recording the range asks for. @throws ToolError when that is none.
-std::uint64_t framesIn(const FrameRange& range, std::uint64_t count) {
-  const std::uint64_t end = range.to ? std::min(count, *range.to + 1) : count;
-  if (range.first() < end) return end - range.first();
-  throw ToolError(kWrongOrUnreadable,
-                  fmt::format("the recording holds no such frames: it has {}, from 0 on", count),
-                  "See kpf info for what is there, and choose --from and --to.");
-}
+constexpr double kRateOfNone = 25;  // of videos from recordings that tell no frame rate
+
+struct ExportOptions {
+  std::string file;    // header file
+  std::string output;  // see openOutput
+  FrameRange range;
+  bool quiet = false;
+};
 
 bool severalIntoOneImage(const std::string& output, std::uint64_t frames) {
   const bool image =
@@ -28,33 +32,69 @@ bool severalIntoOneImage(const std::string& output, std::uint64_t frames) {
   return image && frames > 1 && output.find('%') == std::string::npos;
 }
 
-}  // namespace
-
-int runExport(const ExportOptions& options) {
-  const Interrupt interrupt;
-  const Samples samples = samplesOf(options.file);
-  const auto source = openRecording(options.file, samples);
-  const std::uint64_t frames = framesIn(options.range, source->frameCount());
+/// How many frames are to be exported. @throws ToolError when they do not go where they should.
+std::uint64_t checkedFrames(const ExportOptions& options, std::uint64_t count) {
+  const std::uint64_t frames = options.range.framesOf(count);
+  if (frames == 0) {
+    throw ToolError(Outcome::kWrongUsage,
+                    fmt::format("the recording holds no such frames: it has {}, from 0 on", count),
+                    "See kpf info for what is there, and choose --from and --to.");
+  }
   if (severalIntoOneImage(options.output, frames)) {
-    throw ToolError(kWrongOrUnreadable, fmt::format("{} frames do not go into one image", frames),
+    throw ToolError(Outcome::kWrongUsage, fmt::format("{} frames do not go into one image", frames),
                     "Put a pattern into the name, like frame_%06d.png.");
   }
-  const double rate = source->frameRate() > 0 ? source->frameRate() : 25;
-  const auto output = openOutput(
-      options.output, {source->width(), source->height(), samples, rate, options.range.first()});
-  std::vector<unsigned char> rows(std::size_t{source->width()} * source->height() *
-                                  bytesOf(samples));
-  source->skip(options.range.first());
+  return frames;
+}
+
+std::unique_ptr<PictureOutput> openOutputFor(const FrameSource& source,
+                                             const ExportOptions& options) {
+  const double rate = source.frameRate() > 0 ? source.frameRate() : kRateOfNone;
+  return openOutput(options.output, {source.width(), source.height(), source.samples(), rate,
+                                     options.range.first()});
+}
+
+/// @return how many of `frames` frames went out before the user wanted to stop.
+std::uint64_t copyFrames(FrameSource& source, PictureOutput& output, const ExportOptions& options,
+                         std::uint64_t frames) {
+  std::vector<unsigned char> rows(source.frameSize());
+  source.skip(options.range.first());
   Progress progress(options.quiet, frames);
   std::uint64_t done = 0;
-  while (done < frames && !Interrupt::requested() && source->next(rows.data())) {
-    output->add(rows.data());
+  while (done < frames && !Interrupt::requested() && source.next()) {
+    source.copyTo(rows.data(), source.rowSize());
+    output.add(rows.data());
     progress.show(++done);
   }
-  output->finish();
-  if (done == frames) return kDone;
+  // Also after an interruption: what is there can be played.
+  output.finish();
+  return done;
+}
+
+Outcome runExport(const ExportOptions& options) {
+  const Interrupt interrupt;
+  const auto source = openRecording(options.file, samplesOf(options.file));
+  const std::uint64_t frames = checkedFrames(options, source->frameCount());
+  const auto output = openOutputFor(*source, options);
+  const std::uint64_t done = copyFrames(*source, *output, options, frames);
+  if (done == frames) return Outcome::kDone;
   fmt::print(stderr, "kpf: {} of {} frames exported: interrupted\n", done, frames);
-  return kProblems;
+  return Outcome::kCutShort;
+}
+
+}  // namespace
+
+void addExport(CLI::App& app, Job& job) {
+  const auto [line, options] =
+      addCommand(app, job, "export", "Turn a recording into video or images", runExport);
+  line.add_option("FILE", options.file, "header file (.kpf)")->required();
+  line.add_option("OUT", options.output,
+                  ".mkv lossless, .mp4 for viewing, frame_%06d.png or .tif, - raw")
+      ->required();
+  addRange(line, options.range);
+  line.add_flag("--quiet", options.quiet, "no progress");
+  addFooter(line, "kpf export clip.kpf frame_%06d.tif --from 100 --to 199",
+            {"every frame that was asked for is there", kCutShortText, kNotBegunText});
 }
 
 }  // namespace KPF_TOOL

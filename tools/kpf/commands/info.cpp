@@ -1,71 +1,37 @@
-#include "tools/kpf/commands/info.h"
-
+// kpf info: what a recording is.
 #include <fmt/format.h>
 
-#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "kpf_reader.h"
-#include "tools/kpf/checks/check_files.h"
-#include "tools/kpf/terminal/recording_text.h"
+#include "tools/kpf/checks/survey.h"
+#include "tools/kpf/commands/commands.h"
+#include "tools/kpf/terminal/json.h"
+#include "tools/kpf/terminal/text.h"
 
 namespace KPF_TOOL {
-using Json = nlohmann::ordered_json;
 using KPF_READER::DivFile;
 using KPF_READER::FrameRecord;
 using KPF_READER::Header;
-using KPF_READER::Recording;
 namespace {
 
-/// What is to be learned from the frame headers alone.
-struct Frames {
-  std::uint32_t placeholders = 0;
-  std::optional<FrameRecord> first;  // placeholders left out: they have no time
-  std::optional<FrameRecord> last;
+struct InfoOptions {
+  std::string file;  // the header file
+  bool json = false;
 };
 
-Frames survey(const Recording& recording) {
-  Frames frames;
-  for (std::uint32_t n = 0; n < recording.recordCount(); ++n) {
-    const FrameRecord record = recording.record(n);
-    if (record.placeholder) {
-      ++frames.placeholders;
-      continue;
-    }
-    if (!frames.first) frames.first = record;
-    frames.last = record;
-  }
-  return frames;
-}
-
-struct Facts {
-  explicit Facts(const std::string& file) : recording(file, KPF_READER::Access::kSparse) {
-    frames = survey(recording);
-    checkCompleteness(recording, findings);
-    for (const DivFile& div : recording.divFiles()) bytes += div.size;
-  }
-
-  const Header& header() const { return recording.header(); }
-  bool complete() const { return findings.count() == 0; }
-  bool hasRate() const { return header().frameRate > 0; }
-  double duration() const { return recording.recordCount() / header().frameRate; }
-  double bytesPerSecond() const {
-    return static_cast<double>(header().recordSize()) * header().frameRate;
-  }
-
-  Recording recording;
-  Frames frames;
-  Findings findings;
-  std::uint64_t bytes = 0;
-};
-
+/// One line of the answer. What has no name goes on with the line above.
 template <class... Arguments>
 void line(const char* name, fmt::format_string<Arguments...> format, Arguments&&... arguments) {
   fmt::print("{:<11} {}\n", name, fmt::format(format, std::forward<Arguments>(arguments)...));
 }
 
-void printHeader(const Facts& facts) {
-  const Header& header = facts.header();
-  line("file", "{}", escaped(facts.recording.path()));
+void printHeader(const Survey& survey) {
+  const Header& header = survey.header();
+  line("file", "{}", escaped(survey.recording.path()));
   line("frame", "{} x {} pixels, {} bits, {} packed", header.width, header.height,
        header.bitsPerPixel(), sizeText(static_cast<double>(header.frameSize())));
   line("rate", "{} frames/s", header.frameRate);
@@ -74,22 +40,22 @@ void printHeader(const Facts& facts) {
   line("values", "value3 {}, value5 {}, value7 {}", header.value3, header.value5, header.value7);
 }
 
-void printFrames(const Facts& facts) {
-  line("frames", "{} announced, {} written, {}", facts.header().frameCount,
-       facts.recording.recordCount(), countText(facts.frames.placeholders, "placeholder"));
-  if (facts.frames.first) {
-    line("first time", "{}", timeText(*facts.frames.first));
-    line("last time", "{}", timeText(*facts.frames.last));
+void printFrames(const Survey& survey) {
+  line("frames", "{} announced, {} written, {}", survey.header().frameCount,
+       survey.recording.recordCount(), countText(survey.placeholders, "placeholder"));
+  if (survey.first) {
+    line("first time", "{}", timeText(survey.first->seconds, survey.first->microseconds));
+    line("last time", "{}", timeText(survey.last->seconds, survey.last->microseconds));
   }
-  if (facts.hasRate()) {
-    line("duration", "{:.3f} s", facts.duration());
-    line("data rate", "{}/s", sizeText(facts.bytesPerSecond()));
+  if (survey.hasRate()) {
+    line("duration", "{:.3f} s", survey.duration());
+    line("data rate", "{}/s", sizeText(survey.bytesPerSecond()));
   }
 }
 
-void printFiles(const Facts& facts) {
-  const auto& files = facts.recording.divFiles();
-  line("data", "{} in {}", sizeText(static_cast<double>(facts.bytes)),
+void printFiles(const Survey& survey) {
+  const auto& files = survey.recording.divFiles();
+  line("data", "{} in {}", sizeText(static_cast<double>(survey.bytes)),
        countText(files.size(), "file"));
   for (const DivFile& file : files) {
     line("", "{}: {}, {}", escaped(file.path), countText(file.records, "record"),
@@ -97,13 +63,15 @@ void printFiles(const Facts& facts) {
   }
 }
 
-void printCompleteness(const Facts& facts) {
-  line("complete", "{}", facts.complete() ? "yes" : "no");
-  for (const Finding& finding : facts.findings.kept()) {
+/// Below "complete" stands why not.
+void printCompleteness(const Survey& survey) {
+  line("complete", "{}", survey.complete() ? "yes" : "no");
+  for (const Finding& finding : survey.findings.kept()) {
     line("", "{}: {}", escaped(finding.file), escaped(finding.text));
   }
 }
 
+/// Two whole numbers: a double does not hold microseconds since 1970.
 Json jsonOf(const std::optional<FrameRecord>& time) {
   if (!time) return nullptr;
   return {{"seconds", time->seconds}, {"microseconds", time->microseconds}};
@@ -127,6 +95,7 @@ Json jsonOf(const Header& header) {
           {"framesPerFile", header.framesPerDivFile}};
 }
 
+/// What is missing shows as a gap in the numbers.
 Json filesJson(const std::vector<DivFile>& files) {
   Json json = Json::array();
   for (const DivFile& file : files) {
@@ -139,6 +108,7 @@ Json filesJson(const std::vector<DivFile>& files) {
   return json;
 }
 
+/// The kinds are words, so that programs need not know the sentences.
 Json problemsJson(const Findings& findings) {
   Json json = Json::array();
   for (const Finding& finding : findings.kept()) {
@@ -148,43 +118,48 @@ Json problemsJson(const Findings& findings) {
   return json;
 }
 
-Json jsonOf(const Facts& facts) {
-  const bool rate = facts.hasRate();
-  Json json{{"file", facts.recording.path()}, {"header", jsonOf(facts.header())}};
-  json["announced"] = facts.header().frameCount;
-  json["written"] = facts.recording.recordCount();
-  json["placeholders"] = facts.frames.placeholders;
-  json["firstTime"] = jsonOf(facts.frames.first);
-  json["lastTime"] = jsonOf(facts.frames.last);
-  json["duration"] = rate ? Json(facts.duration()) : Json(nullptr);
-  json["bytesPerSecond"] = rate ? Json(facts.bytesPerSecond()) : Json(nullptr);
-  json["files"] = filesJson(facts.recording.divFiles());
-  json["complete"] = facts.complete();
-  json["problems"] = problemsJson(facts.findings);
+Json jsonOf(const Survey& survey) {
+  const bool rate = survey.hasRate();
+  Json json{{"file", survey.recording.path()}, {"header", jsonOf(survey.header())}};
+  json["announced"] = survey.header().frameCount;
+  json["written"] = survey.recording.recordCount();
+  json["placeholders"] = survey.placeholders;
+  json["firstTime"] = jsonOf(survey.first);
+  json["lastTime"] = jsonOf(survey.last);
+  json["duration"] = rate ? Json(survey.duration()) : Json(nullptr);
+  json["bytesPerSecond"] = rate ? Json(survey.bytesPerSecond()) : Json(nullptr);
+  json["files"] = filesJson(survey.recording.divFiles());
+  json["complete"] = survey.complete();
+  json["problems"] = problemsJson(survey.findings);
   return json;
 }
 
-void print(const Facts& facts) {
-  printHeader(facts);
-  printFrames(facts);
-  printFiles(facts);
-  printCompleteness(facts);
+void print(const Survey& survey) {
+  printHeader(survey);
+  printFrames(survey);
+  printFiles(survey);
+  printCompleteness(survey);
+}
+
+Outcome runInfo(const InfoOptions& options) {
+  const Survey survey(options.file);
+  if (options.json) {
+    printJson(jsonOf(survey));
+  } else {
+    print(survey);
+  }
+  return Outcome::kDone;
 }
 
 }  // namespace
 
-int runInfo(const InfoOptions& options) {
-  try {
-    const Facts facts(options.file);
-    if (!options.json) {
-      print(facts);
-    } else {
-      fmt::print("{}\n", jsonOf(facts).dump(2, ' ', false, Json::error_handler_t::replace));
-    }
-    return 0;
-  } catch (const KPF_READER::RecordingError& error) {
-    return unreadable(error);
-  }
+void addInfo(CLI::App& app, Job& job) {
+  const auto [line, options] = addCommand(app, job, "info", "Tell what a recording is", runInfo);
+  line.add_option("FILE", options.file, "header file (.kpf)")->required();
+  addJson(line, options.json);
+  addFooter(line, "kpf info clip.kpf",
+            {"told, also of a recording that is not complete", "",
+             "wrong usage, or a recording that cannot be read"});
 }
 
 }  // namespace KPF_TOOL

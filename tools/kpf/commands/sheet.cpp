@@ -1,13 +1,15 @@
-#include "tools/kpf/commands/sheet.h"
-
+// kpf sheet: source and recording side by side on one page. For the demo, and not in the help.
 #include <fmt/format.h>
 
+#include <cstddef>
+#include <cstdint>
+#include <string>
 #include <vector>
 
+#include "tools/kpf/commands/commands.h"
+#include "tools/kpf/commands/open.h"
 #include "tools/kpf/frames/canvas.h"
-#include "tools/kpf/frames/frame_source.h"
-#include "tools/kpf/media/media_output.h"
-#include "tools/kpf/terminal/tool_error.h"
+#include "tools/kpf/frames/recorded_frames.h"
 
 namespace KPF_TOOL {
 namespace {
@@ -15,7 +17,12 @@ namespace {
 constexpr unsigned kColumns = 3;
 constexpr unsigned kShrink = 2;  // every second pixel of every second row
 constexpr unsigned kGap = 8;     // pixels
-constexpr unsigned kMargin = 7;  // pixels around a caption
+
+struct SheetOptions {
+  std::string source;     // what was recorded
+  std::string recording;  // header file
+  std::string output;     // an image
+};
 
 using Picture = std::vector<unsigned char>;
 
@@ -34,23 +41,23 @@ void drawRow(Canvas& page, FrameSource& frames, std::uint64_t count, const std::
              unsigned top) {
   const unsigned width = frames.width() / kShrink;
   const unsigned height = frames.height() / kShrink;
-  Picture picture(std::size_t{frames.width()} * frames.height());
+  Picture picture(frames.frameSize());
   std::uint64_t position = 0;
   for (unsigned column = 0; column < kColumns; ++column) {
     const std::uint64_t wanted = count * (2 * column + 1) / (2 * kColumns);
     frames.skip(wanted - position);
-    if (!frames.next(picture.data())) return;
+    if (!frames.next()) return;
+    frames.copyTo(picture.data(), frames.rowSize());
     position = wanted + 1;
     const unsigned left = column * (width + kGap);
-    page.write(fmt::format("{}, FRAME {}", caption, wanted), left + kMargin, top + kMargin);
+    page.write(fmt::format("{}, FRAME {}", caption, wanted), left + Canvas::kCaptionMargin,
+               top + Canvas::kCaptionMargin);
     page.place(shrunk(picture, frames.width(), frames.height()).data(), width, height, left,
                top + Canvas::kCaptionHeight);
   }
 }
 
-}  // namespace
-
-int runSheet(const SheetOptions& options) {
+Outcome runSheet(const SheetOptions& options) {
   const auto source = openFrames(options.source, Samples::k8Bit);
   const auto recording = openRecording(options.recording, Samples::k8Bit);
   const unsigned rowHeight = recording->height() / kShrink + Canvas::kCaptionHeight;
@@ -61,7 +68,20 @@ int runSheet(const SheetOptions& options) {
       openOutput(options.output, {page.width(), page.height(), Samples::k8Bit, 1, 0});
   output->add(page.rows());
   output->finish();
-  return kDone;
+  return Outcome::kDone;
+}
+
+}  // namespace
+
+void addSheet(CLI::App& app, Job& job) {
+  const auto [line, options] =
+      addCommand(app, job, "sheet", "Source and recording on one page", runSheet);
+  line.group("");  // keeps it out of the help
+  line.add_option("SOURCE", options.source, "what was recorded")->required();
+  line.add_option("FILE", options.recording, "header file (.kpf)")->required();
+  line.add_option("OUT", options.output, "an image")->required();
+  addFooter(line, "kpf sheet street.avi clip.kpf sheet.png",
+            {"the page is written", kCutShortText, kNotBegunText});
 }
 
 }  // namespace KPF_TOOL

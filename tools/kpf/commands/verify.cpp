@@ -1,19 +1,34 @@
-#include "tools/kpf/commands/verify.h"
-
+// kpf verify: is every byte of a recording as it must be?
 #include <fmt/format.h>
 
-#include <nlohmann/json.hpp>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
 
+#include "kpf_reader.h"
 #include "tools/kpf/checks/check_files.h"
 #include "tools/kpf/checks/check_records.h"
-#include "tools/kpf/terminal/recording_text.h"
-#include "tools/kpf/terminal/session.h"
+#include "tools/kpf/checks/findings.h"
+#include "tools/kpf/commands/commands.h"
+#include "tools/kpf/terminal/json.h"
+#include "tools/kpf/terminal/progress.h"
+#include "tools/kpf/terminal/text.h"
 
 namespace KPF_TOOL {
 using KPF_READER::Recording;
 using KPF_READER::RecordingError;
 namespace {
 
+constexpr std::uint64_t kMegabyte = 1000000;  // bytes, the unit of the progress
+
+struct VerifyOptions {
+  std::string file;  // the header file
+  bool json = false;
+  bool quiet = false;  // no progress
+};
+
+/// What was found, and how much was looked at.
 struct Verdict {
   Findings findings;
   std::uint32_t announced = 0;
@@ -30,7 +45,6 @@ Verdict verify(const VerifyOptions& options) {
   checkCompleteness(recording, verdict.findings);
   checkStrayFiles(recording, verdict.findings);
 
-  constexpr std::uint64_t kMegabyte = 1000000;
   std::uint64_t bytes = 0;
   for (const KPF_READER::DivFile& file : recording.divFiles()) bytes += file.size;
   Progress progress(options.quiet, bytes / kMegabyte, "MB");
@@ -54,6 +68,7 @@ std::string placeText(const Finding& finding) {
   return fmt::format("{}{}, byte {}", escaped(finding.file), record, finding.offset);
 }
 
+/// Each finding with file, record and offset, and a last line that sums up.
 void print(const VerifyOptions& options, const Verdict& verdict) {
   const Findings& findings = verdict.findings;
   for (const Finding& finding : findings.kept()) {
@@ -72,28 +87,27 @@ void print(const VerifyOptions& options, const Verdict& verdict) {
              findings.count() == 0 ? "no problems" : countText(findings.count(), "problem"));
 }
 
-nlohmann::ordered_json jsonOf(const Finding& finding) {
-  nlohmann::ordered_json json{{"problem", nameOf(finding.problem)}, {"file", finding.file}};
-  json["record"] = finding.record ? nlohmann::ordered_json(*finding.record) : nullptr;
+Json jsonOf(const Finding& finding) {
+  Json json{{"problem", nameOf(finding.problem)}, {"file", finding.file}};
+  json["record"] = finding.record ? Json(*finding.record) : nullptr;
   json["offset"] = finding.offset;
   json["text"] = finding.text;
   return json;
 }
 
-void printJson(const VerifyOptions& options, const Verdict& verdict) {
+Json jsonOf(const VerifyOptions& options, const Verdict& verdict) {
   const Findings& findings = verdict.findings;
-  nlohmann::ordered_json json{{"file", options.file},
-                              {"ok", findings.count() == 0},
-                              {"announced", verdict.announced},
-                              {"written", verdict.written},
-                              {"placeholders", verdict.placeholders},
-                              {"problemCount", findings.count()}};
+  Json json{{"file", options.file},
+            {"ok", findings.count() == 0},
+            {"announced", verdict.announced},
+            {"written", verdict.written},
+            {"placeholders", verdict.placeholders},
+            {"problemCount", findings.count()}};
   const auto& damage = findings.firstDamage();
-  json["firstDamage"] = damage ? jsonOf(*damage) : nlohmann::ordered_json(nullptr);
-  json["problems"] = nlohmann::ordered_json::array();
+  json["firstDamage"] = damage ? jsonOf(*damage) : Json(nullptr);
+  json["problems"] = Json::array();
   for (const Finding& finding : findings.kept()) json["problems"].push_back(jsonOf(finding));
-  using Json = nlohmann::ordered_json;
-  fmt::print("{}\n", json.dump(2, ' ', false, Json::error_handler_t::replace));
+  return json;
 }
 
 /// Nothing there, or something else under that name: not a recording that has problems.
@@ -101,18 +115,33 @@ bool isNoRecording(const RecordingError& error, const std::string& file) {
   return error.file() == file && error.offset() == 0;
 }
 
-}  // namespace
-
-int runVerify(const VerifyOptions& options) {
+Outcome runVerify(const VerifyOptions& options) {
   Verdict verdict;
   try {
     verdict = verify(options);
   } catch (const RecordingError& error) {
-    if (isNoRecording(error, options.file)) return unreadable(error);
+    if (isNoRecording(error, options.file)) throw;
     verdict = unopened(error);
   }
-  options.json ? printJson(options, verdict) : print(options, verdict);
-  return verdict.findings.count() == 0 ? 0 : 1;
+  if (options.json) {
+    printJson(jsonOf(options, verdict));
+  } else {
+    print(options, verdict);
+  }
+  return verdict.findings.count() == 0 ? Outcome::kDone : Outcome::kProblemsFound;
+}
+
+}  // namespace
+
+void addVerify(CLI::App& app, Job& job) {
+  const auto [line, options] =
+      addCommand(app, job, "verify", "Check every byte that can be checked", runVerify);
+  line.add_option("FILE", options.file, "header file (.kpf)")->required();
+  addJson(line, options.json);
+  line.add_flag("--quiet", options.quiet, "no progress");
+  addFooter(line, "kpf verify clip.kpf && echo sound",
+            {"nothing was found", "the recording has problems",
+             "wrong usage, or there is no recording to verify"});
 }
 
 }  // namespace KPF_TOOL

@@ -2,16 +2,19 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <string_view>
 
 namespace KPF_TOOL {
 namespace {
 
-constexpr unsigned kGlyphWidth = 5;
+constexpr unsigned kGlyphWidth = 5;  // dots
 constexpr unsigned kGlyphHeight = 7;
-constexpr unsigned kScale = 2;
-constexpr unsigned kAdvance = (kGlyphWidth + 1) * kScale;
+constexpr unsigned kScale = 2;                             // pixels a dot
+constexpr unsigned kAdvance = (kGlyphWidth + 1) * kScale;  // one dot between two characters
+static_assert(2 * Canvas::kCaptionMargin + kGlyphHeight * kScale == Canvas::kCaptionHeight);
 
 constexpr std::string_view kCharacters = "ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789.,:-/()";
 
@@ -42,6 +45,7 @@ constexpr Glyph kGlyphs[] = {
     {0x08, 0x04, 0x02, 0x02, 0x02, 0x04, 0x08}};
 static_assert(std::size(kGlyphs) == kCharacters.size());
 
+/// Whether the pixel (x, y) of a character is white.
 bool inked(const Glyph& glyph, unsigned x, unsigned y) {
   return (glyph[y / kScale] >> (kGlyphWidth - 1 - x / kScale) & 1) != 0;
 }

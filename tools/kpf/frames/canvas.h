@@ -1,15 +1,17 @@
 // A grey picture with other pictures and captions on it.
-#ifndef CANVAS_H
-#define CANVAS_H
+#ifndef KPF_CANVAS_H
+#define KPF_CANVAS_H
 
 #include <string>
 #include <vector>
 
 namespace KPF_TOOL {
 
+/// A picture of 8-bit samples to draw on. Its letters are its own: a few captions need no library.
 class Canvas {
  public:
   static constexpr unsigned kCaptionHeight = 28;  // pixels, for one line of text
+  static constexpr unsigned kCaptionMargin = 7;   // pixels around that line
 
   /// All black.
   Canvas(unsigned width, unsigned height);
@@ -17,11 +19,13 @@ class Canvas {
   /// Copies a picture of `w` x `h` samples to (x, y), where it must fit.
   void place(const unsigned char* picture, unsigned w, unsigned h, unsigned x, unsigned y);
 
-  /// Writes capital letters, digits and a few signs, white, cut at the right edge.
+  /// Writes capital letters, digits and a few signs, white, at (x, y); what is none of these is a
+  /// blank. Cut at the right edge; below, there must be room.
   void write(const std::string& text, unsigned x, unsigned y);
 
   unsigned width() const { return width_; }
   unsigned height() const { return height_; }
+  /// width() x height() samples, row by row from the top.
   const unsigned char* rows() const { return pixels_.data(); }
 
  private:

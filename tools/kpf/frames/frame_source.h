@@ -1,40 +1,48 @@
-// Frames for the commands that turn recordings or videos into pictures.
-#ifndef FRAME_SOURCE_H
-#define FRAME_SOURCE_H
+// Where frames come from.
+#ifndef KPF_FRAME_SOURCE_H
+#define KPF_FRAME_SOURCE_H
 
+#include <cstddef>
 #include <cstdint>
-#include <memory>
-#include <string>
+#include <optional>
 
-#include "tools/kpf/media/media_input.h"
+#include "tools/kpf/frames/samples.h"
 
 namespace KPF_TOOL {
 
-/// Frames one after the other, rows without gaps.
+/// Grey frames, one after the other: a recording, or what FFmpeg decodes. Commands that turn frames
+/// into something else know no more about them than this.
 class FrameSource {
  public:
   virtual ~FrameSource() = default;
 
   virtual unsigned width() const = 0;
   virtual unsigned height() const = 0;
-  virtual double frameRate() const = 0;          // 0 when nobody says
-  virtual std::uint64_t frameCount() const = 0;  // 0 when nobody knows
+  /// The form in which copyTo writes.
+  virtual Samples samples() const = 0;
+  /// Frames per second; 0 when nobody says.
+  virtual double frameRate() const = 0;
+  /// 0 when nobody knows before the end is reached.
+  virtual std::uint64_t frameCount() const = 0;
 
-  /// Writes the next frame; false at the end.
-  virtual bool next(unsigned char* rows) = 0;
-  /// Passes over `frames` frames.
+  /// Goes on to the next frame, the first one at first; false at the end.
+  virtual bool next() = 0;
+
+  /// When the present frame is shown, in seconds from wherever the source counts; nothing where it
+  /// does not say.
+  virtual std::optional<double> time() const = 0;
+
+  /// Writes the present frame's rows, `stride` bytes apart.
+  virtual void copyTo(unsigned char* out, std::size_t stride) = 0;
+
+  /// Passes over `frames` frames, those behind the end included.
   virtual void skip(std::uint64_t frames) = 0;
+
+  /// Bytes of a row without padding.
+  std::size_t rowSize() const { return width() * bytesOf(samples()); }
+  /// Bytes of a frame, its rows without padding.
+  std::size_t frameSize() const { return rowSize() * height(); }
 };
-
-/// A recording, when the name ends in .kpf, else whatever FFmpeg opens. Of 12-bit recordings the
-/// 8-bit samples are the high bytes.
-std::unique_ptr<FrameSource> openFrames(const std::string& name, Samples samples);
-
-/// Only a recording; its own samples when `samples` fits them, see openFrames.
-std::unique_ptr<FrameSource> openRecording(const std::string& name, Samples samples);
-
-/// The samples in which nothing of a recording is lost.
-Samples samplesOf(const std::string& recording);
 
 }  // namespace KPF_TOOL
 

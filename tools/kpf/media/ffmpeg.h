@@ -1,4 +1,4 @@
-// FFmpeg's objects under owning pointers.
+// FFmpeg's objects under owning pointers. For the sources of this folder alone.
 #ifndef KPF_FFMPEG_H
 #define KPF_FFMPEG_H
 
@@ -19,6 +19,7 @@ extern "C" {
 
 namespace KPF_TOOL {
 
+/// Each of them has a function of its own that frees it, and forgets the pointer.
 struct FreeFFmpeg {
   void operator()(AVFrame* frame) const { av_frame_free(&frame); }
   void operator()(AVPacket* packet) const { av_packet_free(&packet); }
@@ -30,6 +31,26 @@ using FramePtr = std::unique_ptr<AVFrame, FreeFFmpeg>;
 using PacketPtr = std::unique_ptr<AVPacket, FreeFFmpeg>;
 using CodecPtr = std::unique_ptr<AVCodecContext, FreeFFmpeg>;
 using ScalerPtr = std::unique_ptr<SwsContext, FreeFFmpeg>;
+
+/// A file that is read.
+struct CloseInput {
+  void operator()(AVFormatContext* file) const { avformat_close_input(&file); }
+};
+using InputPtr = std::unique_ptr<AVFormatContext, CloseInput>;
+
+/// Whether the file is one that we opened: images open and close theirs by themselves.
+inline bool isOpen(const AVFormatContext& output) {
+  return output.pb != nullptr && !(output.oformat->flags & AVFMT_NOFILE);
+}
+
+/// A file that is written. Closed like this it lacks its end: that is for errors.
+struct CloseOutput {
+  void operator()(AVFormatContext* file) const {
+    if (isOpen(*file)) avio_closep(&file->pb);
+    avformat_free_context(file);
+  }
+};
+using OutputPtr = std::unique_ptr<AVFormatContext, CloseOutput>;
 
 /// FFmpeg's words for one of its error codes.
 inline std::string ffmpegError(int code) {

@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 
 #include <chrono>
-#include <cstdio>
+#include <cstddef>
 #include <regex>
 
 #include "tools/kpf/terminal/tool_error.h"
@@ -11,6 +11,7 @@
 namespace KPF_TOOL {
 namespace {
 
+/// Of the digits behind the point, "25" for a quarter.
 std::uint32_t microsecondsOf(std::string digits) {
   digits.resize(6, '0');
   return static_cast<std::uint32_t>(std::stoul(digits));
@@ -37,6 +38,7 @@ std::int64_t secondsOf(const std::smatch& date) {
 
 StartTime parseStartTime(const std::string& text) {
   if (text.empty()) return now();
+  // Up to 18 digits fit 64 bits; digits behind the microsecond are read and dropped.
   static const std::regex epoch(R"((\d{1,18})(?:\.(\d{1,6})\d*)?)");
   static const std::regex date(
       R"((\d{4})-(\d\d)-(\d\d)[T ](\d\d):(\d\d):(\d\d)(?:\.(\d{1,6})\d*)?Z?)");
@@ -50,7 +52,7 @@ StartTime parseStartTime(const std::string& text) {
       return {static_cast<std::uint64_t>(seconds), microsecondsOf(match[7].str())};
     }
   }
-  throw ToolError(kWrongOrUnreadable, fmt::format("{} is not a time", text),
+  throw ToolError(Outcome::kWrongUsage, fmt::format("{} is not a time", text),
                   "Write 2026-11-21T05:00:00Z, or seconds since 1970 like 1700000000.25.");
 }
 

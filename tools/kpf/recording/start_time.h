@@ -1,12 +1,13 @@
 // Points in time as users write them.
-#ifndef START_TIME_H
-#define START_TIME_H
+#ifndef KPF_START_TIME_H
+#define KPF_START_TIME_H
 
 #include <cstdint>
 #include <string>
 
 namespace KPF_TOOL {
 
+/// When the first frame was taken.
 struct StartTime {
   std::uint64_t seconds = 0;  // since 1970, UTC
   std::uint32_t microseconds = 0;

@@ -6,7 +6,7 @@
 
 #include "format/kpf_file_names.h"
 #include "format/kpf_status.h"
-#include "tools/kpf/terminal/recording_text.h"
+#include "tools/kpf/terminal/text.h"
 #include "tools/kpf/terminal/tool_error.h"
 
 namespace KPF_TOOL {
@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 std::string headerPath(const std::string& output) {
   const fs::path path(output);
   if (path.stem().empty() || path.extension().string().size() < 2) {
-    throw ToolError(kWrongOrUnreadable, fmt::format("{} has no extension", quoted(output)),
+    throw ToolError(Outcome::kWrongUsage, fmt::format("{} has no extension", quoted(output)),
                     "Name the recording like clip.kpf.");
   }
   return path.has_parent_path() ? output : "./" + output;
@@ -37,11 +37,12 @@ std::vector<std::string> filesOf(const std::string& header) {
   return files;
 }
 
+// The folder stays, and with it whatever else the user keeps there.
 void clearTarget(const std::string& header, bool force) {
   const std::vector<std::string> files = filesOf(header);
   if (files.empty()) return;
   if (!force) {
-    throw ToolError(kWrongOrUnreadable, fmt::format("{} is there already", escaped(files.front())),
+    throw ToolError(Outcome::kRefused, fmt::format("{} is there already", escaped(files.front())),
                     "Choose another name, or give --force to replace the recording.");
   }
   for (const std::string& file : files) fs::remove(file);
@@ -52,12 +53,12 @@ void checkRoom(const std::string& header, std::uint64_t bytes) {
   std::error_code unknown;
   const fs::space_info space = fs::space(folder, unknown);
   if (unknown) {
-    throw ToolError(kWrongOrUnreadable,
+    throw ToolError(Outcome::kRefused,
                     fmt::format("{}: {}", escaped(folder.string()), unknown.message()),
                     "Make the folder first.");
   }
   if (bytes <= space.available) return;
-  throw ToolError(kWrongOrUnreadable,
+  throw ToolError(Outcome::kRefused,
                   fmt::format("the recording takes {}, the disk has room for {}",
                               sizeText(static_cast<double>(bytes)),
                               sizeText(static_cast<double>(space.available))),

@@ -8,14 +8,16 @@
 
 namespace KPF_TOOL {
 
-/// A name without a folder is taken as one in the current folder.
+/// A name without a folder is taken as one in the current folder: the library would put the data
+/// files of `clip.kpf` beside it, under names with a backslash. @throws ToolError without
+/// extension.
 std::string headerPath(const std::string& output);
 
-/// Files of a recording of that name: header, data files, status file.
+/// Files of a recording of that name that are there: header, data files, status file.
 std::vector<std::string> filesOf(const std::string& header);
 
 /// Sees that nothing is in the way: with `force` the older recording is removed, files of other
-/// kinds stay. @throws ToolError.
+/// kinds stay. @throws ToolError without it.
 void clearTarget(const std::string& header, bool force);
 
 /// @throws ToolError when `bytes` do not fit the disk that `header` will lie on.

@@ -1,28 +1,28 @@
 // How a command that cannot go on tells why.
-#ifndef TOOL_ERROR_H
-#define TOOL_ERROR_H
+#ifndef KPF_TOOL_ERROR_H
+#define KPF_TOOL_ERROR_H
 
 #include <stdexcept>
 #include <string>
 
+#include "tools/kpf/terminal/outcome.h"
+
 namespace KPF_TOOL {
 
-constexpr int kDone = 0;
-constexpr int kProblems = 1;           // the recording has problems, or the job was cut short
-constexpr int kWrongOrUnreadable = 2;  // wrong usage, or input that cannot be read
-
-/// What happened, what to do next, and the exit code that says so.
+/// What happened, what to do next, and how the command ends by it.
 class ToolError : public std::runtime_error {
  public:
-  ToolError(int exitCode, const std::string& what, const std::string& advice)
-      : std::runtime_error(what), advice_(advice), exitCode_(exitCode) {}
+  /// @param what one line without a full stop, names in it already escaped.
+  /// @param advice a sentence that begins with a verb.
+  ToolError(Outcome outcome, const std::string& what, const std::string& advice)
+      : std::runtime_error(what), advice_(advice), outcome_(outcome) {}
 
   const std::string& advice() const { return advice_; }
-  int exitCode() const { return exitCode_; }
+  Outcome outcome() const { return outcome_; }
 
  private:
   std::string advice_;
-  int exitCode_;
+  Outcome outcome_;
 };
 
 }  // namespace KPF_TOOL

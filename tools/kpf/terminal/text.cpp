@@ -1,9 +1,11 @@
-#include "tools/kpf/terminal/recording_text.h"
+#include "tools/kpf/terminal/text.h"
 
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 
-#include <cstdio>
+#include <cstddef>
+#include <ctime>
+#include <iterator>
 
 namespace KPF_TOOL {
 namespace {
@@ -33,11 +35,11 @@ std::string quoted(const std::string& text) {
   return out + '"';
 }
 
-std::string timeText(const KPF_READER::FrameRecord& record) {
-  std::string seconds = fmt::format("{}.{:06}", record.seconds, record.microseconds);
-  if (record.seconds <= 0 || record.seconds >= kYear10000) return seconds;
-  return fmt::format("{} ({:%F %T}.{:06} UTC)", seconds,
-                     fmt::gmtime(static_cast<std::time_t>(record.seconds)), record.microseconds);
+std::string timeText(std::int64_t seconds, std::uint32_t microseconds) {
+  std::string text = fmt::format("{}.{:06}", seconds, microseconds);
+  if (seconds <= 0 || seconds >= kYear10000) return text;
+  return fmt::format("{} ({:%F %T}.{:06} UTC)", text,
+                     fmt::gmtime(static_cast<std::time_t>(seconds)), microseconds);
 }
 
 std::string sizeText(double bytes) {
@@ -45,18 +47,13 @@ std::string sizeText(double bytes) {
   const char* const units[] = {"kB", "MB", "GB", "TB"};
   std::size_t unit = 0;
   double value = bytes / 1000;
+  // 999.95 would be printed as 1000.0: the next unit takes over before.
   for (; value >= 999.95 && unit + 1 < std::size(units); ++unit) value /= 1000;
   return fmt::format("{:.1f} {}", value, units[unit]);
 }
 
 std::string countText(std::uint64_t count, const std::string& thing) {
   return fmt::format("{} {}{}", count, thing, count == 1 ? "" : "s");
-}
-
-int unreadable(const KPF_READER::RecordingError& error) {
-  fmt::print(stderr, "kpf: {}\n", escaped(error.what()));
-  fmt::print(stderr, "Give the header file (.kpf) of a recording that you may read.\n");
-  return 2;
 }
 
 }  // namespace KPF_TOOL

@@ -1,0 +1,27 @@
+#include "tools/kpf/commands/command.h"
+
+#include <cstddef>
+#include <iterator>
+
+namespace KPF_TOOL {
+
+const char* const kCutShortText = "cut short: interrupted, or the system refused to write";
+const char* const kNotBegunText = "wrong usage, or input that cannot be read; nothing was begun";
+
+void addFooter(CLI::App& line, const std::string& example, const ExitStatus& status) {
+  std::string text = "Example: " + example + "\n\nEXIT STATUS";
+  const std::string* const meanings[] = {&status.done, &status.problems, &status.notBegun};
+  for (std::size_t code = 0; code < std::size(meanings); ++code) {
+    if (!meanings[code]->empty()) text += "\n  " + std::to_string(code) + "  " + *meanings[code];
+  }
+  line.footer(text);
+}
+
+void addRange(CLI::App& line, FrameRange& range) {
+  line.add_option("--from", range.from, "first frame, counted from 0");
+  line.add_option("--to", range.to, "last frame");
+}
+
+void addJson(CLI::App& line, bool& json) { line.add_flag("--json", json, "for programs"); }
+
+}  // namespace KPF_TOOL

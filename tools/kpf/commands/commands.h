@@ -1,0 +1,20 @@
+// The list of commands.
+#ifndef KPF_COMMANDS_H
+#define KPF_COMMANDS_H
+
+#include "tools/kpf/commands/command.h"
+
+namespace KPF_TOOL {
+
+/// Adds one command, with all that its help says, to the command line.
+using AddCommand = void(CLI::App& app, Job& job);
+
+// A command more is a file in this folder and its name in these two lines; CMakeLists.txt takes
+// every file there is. The order is that of the help.
+AddCommand addRecord, addInfo, addVerify, addExport, addAmplify, addSheet;
+constexpr AddCommand* kCommands[] = {addRecord, addInfo,    addVerify,
+                                     addExport, addAmplify, addSheet};
+
+}  // namespace KPF_TOOL
+
+#endif

@@ -1,0 +1,39 @@
+// Where frames go to.
+#ifndef KPF_PICTURE_OUTPUT_H
+#define KPF_PICTURE_OUTPUT_H
+
+#include <cstddef>
+#include <cstdint>
+
+#include "tools/kpf/frames/samples.h"
+
+namespace KPF_TOOL {
+
+/// What the frames are, and from which number images are counted.
+struct PictureFormat {
+  unsigned width = 0;
+  unsigned height = 0;
+  Samples samples = Samples::k8Bit;
+  double frameRate = 25;
+  std::uint64_t firstNumber = 0;
+
+  /// Bytes of a row without padding.
+  std::size_t rowSize() const { return width * bytesOf(samples); }
+};
+
+/// A video, images, or a pipe.
+class PictureOutput {
+ public:
+  virtual ~PictureOutput() = default;
+
+  /// @param rows the frame, rows without gaps, in the samples of its format.
+  /// @throws ToolError when it cannot be written.
+  virtual void add(const unsigned char* rows) = 0;
+
+  /// Completes the file. Without it a video may not play. @throws ToolError as add does.
+  virtual void finish() = 0;
+};
+
+}  // namespace KPF_TOOL
+
+#endif

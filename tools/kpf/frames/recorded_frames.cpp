@@ -1,0 +1,90 @@
+#include "tools/kpf/frames/recorded_frames.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "kpf_reader.h"
+
+namespace KPF_TOOL {
+namespace {
+
+using KPF_READER::FrameRecord;
+using KPF_READER::Recording;
+
+/// Rows of the reader's 16-bit samples, as they are or only their high bytes.
+void copySamples(const std::vector<std::uint16_t>& in, Samples samples, std::size_t width,
+                 unsigned char* out, std::size_t stride) {
+  for (std::size_t i = 0; i < in.size(); out += stride) {
+    unsigned char* byte = out;
+    for (const std::size_t end = i + width; i < end; ++i) {
+      if (samples == Samples::k16Bit) *byte++ = static_cast<unsigned char>(in[i]);
+      *byte++ = static_cast<unsigned char>(in[i] >> 8);
+    }
+  }
+}
+
+class RecordedFrames : public FrameSource {
+ public:
+  RecordedFrames(const std::string& name, Samples samples)
+      : recording_(name), samples_(samples), unpacked_(recording_.header().pixelCount()) {}
+
+  unsigned width() const override { return recording_.header().width; }
+  unsigned height() const override { return recording_.header().height; }
+  Samples samples() const override { return samples_; }
+  double frameRate() const override { return recording_.header().frameRate; }
+  std::uint64_t frameCount() const override { return recording_.recordCount(); }
+
+  bool next() override {
+    if (next_ >= recording_.recordCount()) return false;
+    present_ = static_cast<std::uint32_t>(next_++);
+    return true;
+  }
+
+  std::optional<double> time() const override {
+    const FrameRecord record = recording_.record(present_);
+    if (record.placeholder) return std::nullopt;
+    return static_cast<double>(record.seconds) + record.microseconds / 1e6;
+  }
+
+  void copyTo(unsigned char* out, std::size_t stride) override {
+    if (samples_ == Samples::k8Bit && !recording_.header().packed12) {
+      copyPixels(recording_.record(present_), out, stride);
+    } else {
+      recording_.unpack(present_, unpacked_);
+      copySamples(unpacked_, samples_, width(), out, stride);
+    }
+  }
+
+  void skip(std::uint64_t frames) override { next_ += frames; }
+
+ private:
+  /// What is stored a byte a pixel needs no detour over 16 bits.
+  void copyPixels(const FrameRecord& record, unsigned char* out, std::size_t stride) const {
+    for (unsigned y = 0; y < height(); ++y) {
+      const auto row = record.pixels.subspan(std::size_t{y} * width(), width());
+      std::copy(row.begin(), row.end(), out + y * stride);
+    }
+  }
+
+  Recording recording_;
+  Samples samples_;
+  std::vector<std::uint16_t> unpacked_;
+  std::uint64_t next_ = 0;     // may lie far behind the end, so wider than a record's number
+  std::uint32_t present_ = 0;  // the frame that next() went on to
+};
+
+}  // namespace
+
+std::unique_ptr<FrameSource> openRecording(const std::string& name, Samples samples) {
+  return std::make_unique<RecordedFrames>(name, samples);
+}
+
+Samples samplesOf(const std::string& recording) {
+  const Recording opened(recording, KPF_READER::Access::kSparse);
+  return opened.header().packed12 ? Samples::k16Bit : Samples::k8Bit;
+}
+
+}  // namespace KPF_TOOL

@@ -1,0 +1,25 @@
+// The tool where FFmpeg is not to be had: what needs it says so.
+#include <fmt/format.h>
+
+#include <memory>
+#include <string>
+
+#include "tools/kpf/media/media.h"
+#include "tools/kpf/terminal/text.h"
+#include "tools/kpf/terminal/tool_error.h"
+
+namespace KPF_TOOL {
+
+std::unique_ptr<FrameSource> openMedia(const std::string& name, Samples) {
+  throw ToolError(Outcome::kWrongUsage,
+                  fmt::format("cannot open {}: this kpf is built without FFmpeg", escaped(name)),
+                  "Give a recording (.kpf), or use a kpf with FFmpeg for videos and images.");
+}
+
+std::unique_ptr<PictureOutput> openEncodedOutput(const std::string& name, const PictureFormat&) {
+  throw ToolError(Outcome::kWrongUsage,
+                  fmt::format("cannot make {}: this kpf is built without FFmpeg", escaped(name)),
+                  "Write raw frames to - , or use a kpf with FFmpeg for videos and images.");
+}
+
+}  // namespace KPF_TOOL

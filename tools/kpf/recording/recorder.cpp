@@ -1,0 +1,51 @@
+#include "tools/kpf/recording/recorder.h"
+
+#include <algorithm>
+
+namespace KPF_TOOL {
+namespace {
+
+constexpr std::size_t kRowAlignment = 4;  // bytes; the library takes rows padded to a multiple
+
+}  // namespace
+
+LibraryStream::LibraryStream(const std::string& name,
+                             const VLM_INTERNAL::VXP_STREAM_CONFIGURATION& configuration)
+    : handle_(vxCreatePackStreamer(name, configuration)) {}
+
+// What goes wrong the library logs, see CapturedOutput; the results of these calls say less.
+void LibraryStream::addImage(const unsigned char* image) { vxAddTiffImageData(handle_, image); }
+
+void LibraryStream::addPlaceholder() { vxAddPlaceholder(handle_); }
+
+void LibraryStream::close() {
+  if (handle_ != 0) vxClosePackStreamer(handle_);
+  handle_ = 0;
+}
+
+Recorder::Recorder(FrameSource& input, RecordStream& stream, std::uint64_t frames,
+                   const Timeline& timeline)
+    : input_(input),
+      stream_(stream),
+      frames_(frames),
+      timeline_(timeline),
+      stride_((input.rowSize() + kRowAlignment - 1) / kRowAlignment * kRowAlignment),
+      image_(stride_ * input.height()) {}
+
+void Recorder::run(const std::function<bool()>& stop,
+                   const std::function<void(std::uint64_t)>& progress) {
+  while (written_ < frames_ && !stop() && input_.next()) {
+    fillUpTo(timeline_.placeOf(input_.time()));
+    if (written_ == frames_) break;
+    input_.copyTo(image_.data(), stride_);
+    stream_.addImage(image_.data());
+    progress(++written_);
+  }
+}
+
+/// A gap that reaches beyond the last frame fills the stream.
+void Recorder::fillUpTo(std::uint64_t place) {
+  for (; written_ < std::min(place, frames_); ++written_, ++placeholders_) stream_.addPlaceholder();
+}
+
+}  // namespace KPF_TOOL

@@ -1,0 +1,43 @@
+#include "tools/kpf/terminal/captured_output.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "tools/kpf/terminal/tool_error.h"
+
+namespace KPF_TOOL {
+
+CapturedOutput::CapturedOutput() : captured_(std::tmpfile()), output_(-1) {
+  if (captured_ == nullptr) {
+    throw ToolError(Outcome::kWriteFailed, "no temporary file can be made",
+                    "Make room in the folder for temporary files, or set TMPDIR.");
+  }
+  // What was printed before belongs to the real output.
+  std::fflush(stdout);
+  output_ = dup(STDOUT_FILENO);
+  dup2(fileno(captured_), STDOUT_FILENO);
+}
+
+CapturedOutput::~CapturedOutput() {
+  release();
+  std::fclose(captured_);
+}
+
+bool CapturedOutput::any() const {
+  struct stat status {};
+  return fstat(fileno(captured_), &status) == 0 && status.st_size > 0;
+}
+
+void CapturedOutput::release() {
+  if (output_ < 0) return;
+  std::fflush(stdout);
+  dup2(output_, STDOUT_FILENO);
+  close(output_);
+  output_ = -1;
+  // The descriptors share one position, which stands behind the last line.
+  std::rewind(captured_);
+  char line[2048];
+  while (std::fgets(line, sizeof line, captured_) != nullptr) std::fputs(line, stderr);
+}
+
+}  // namespace KPF_TOOL

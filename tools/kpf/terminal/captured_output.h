@@ -1,0 +1,35 @@
+// The library's log lines, kept off the results.
+#ifndef KPF_CAPTURED_OUTPUT_H
+#define KPF_CAPTURED_OUTPUT_H
+
+#include <cstdio>
+
+namespace KPF_TOOL {
+
+/**
+ * Keeps the library's log lines off standard output, which is for results.
+ *
+ * The library writes each line to standard output; while this lives, that is a temporary file. Any
+ * line means trouble, which is how a disk that fails in the middle of a recording is noticed.
+ */
+class CapturedOutput {
+ public:
+  /// @throws ToolError where no temporary file can be made.
+  CapturedOutput();
+  ~CapturedOutput();
+  CapturedOutput(const CapturedOutput&) = delete;
+  CapturedOutput& operator=(const CapturedOutput&) = delete;
+
+  /// Whether anything was written so far.
+  bool any() const;
+  /// Gives standard output back and passes what was written on to standard error.
+  void release();
+
+ private:
+  std::FILE* captured_;
+  int output_;  // descriptor of the real standard output, -1 once it is given back
+};
+
+}  // namespace KPF_TOOL
+
+#endif
