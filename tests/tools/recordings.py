@@ -1,8 +1,11 @@
 """Recordings made by hand, byte by byte, for the tests of the tool."""
+import contextlib
 import os
+import pty
 import struct
 import subprocess
 import tempfile
+import threading
 import unittest
 
 KPF = os.environ["KPF"]  # the program under test
@@ -89,3 +92,34 @@ class RecordingTest(unittest.TestCase):
         """The same for output that is no text."""
         return subprocess.run([KPF, *arguments], cwd=self.folder, capture_output=True, timeout=60,
                               check=False)
+
+
+class Terminal:
+    """A command whose standard error is a terminal, fed as long as the test wants."""
+
+    def __init__(self, test, *arguments):
+        ours, theirs = pty.openpty()
+        self.shown = b""
+        self.process = subprocess.Popen([KPF, *arguments], cwd=test.folder, stdin=subprocess.PIPE,
+                                        stdout=subprocess.PIPE, stderr=theirs)
+        os.close(theirs)
+        self.reader = threading.Thread(target=self._read, args=(ours,))
+        self.reader.start()
+        test.addCleanup(self.reader.join)
+        test.addCleanup(self.process.kill)
+
+    def _read(self, descriptor):
+        with contextlib.suppress(OSError):  # the terminal is gone when the command has ended
+            while data := os.read(descriptor, 4096):
+                self.shown += data
+        os.close(descriptor)
+
+    def feed(self, data):
+        self.process.stdin.write(data)
+        self.process.stdin.flush()
+
+    def end(self):
+        """Exit code, standard output, and all that the terminal was sent."""
+        out, _ = self.process.communicate(timeout=60)
+        self.reader.join(60)
+        return self.process.returncode, out, self.shown

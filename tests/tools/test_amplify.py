@@ -1,9 +1,13 @@
 """kpf amplify: the amplifier's arithmetic on whole videos."""
 import os
+import re
+import signal
 import subprocess
+import time
 import unittest
 
-from videos import VideoTest, y4m
+from recordings import KPF, Terminal
+from videos import FFPROBE, VideoTest, y4m
 
 
 def amplified(frames, window, gain):
@@ -54,20 +58,91 @@ class Amplify(VideoTest):
             self.assertEqual(self.raw(source, "-", "--frequency", "12", "--from", "8", "--to", "9"),
                              expected[8] + expected[9])
 
-    def test_comparison_is_three_pictures_wide(self):
-        out = self.raw("eight.y4m", "-", "--frequency", "12", "--compare", "--to", "0")
-        width, height = 3 * 6 + 2 * 8, 4 + 28
-        self.assertEqual(len(out), width * height)
-        row = out[28 * width:29 * width]
-        self.assertEqual(row[0:6], bytes(self.eight[0][:6]))
-        self.assertEqual(row[14:20], bytes(self.eight[0][:6]))
-        self.assertEqual(row[28:34], bytes(self.eight[0][:6]))
+    def compared(self, frames, width, height, *arguments):
+        """The last picture of a comparison, row by row."""
+        self.write("video.y4m", y4m(frames, width, height))
+        out = self.raw("video.y4m", "-", "--frequency", "12", "--compare", *arguments)
+        columns, rows = 3 * width + 2 * 8, height + 28
+        self.assertEqual(len(out), len(frames) * columns * rows)
+        picture = out[-columns * rows:]
+        return [picture[i:i + columns] for i in range(0, len(picture), columns)]
+
+    def test_comparison_shows_original_reference_and_amplified(self):
+        frames = [[(n * n * 5 + i * 11) % 256 for i in range(24)] for n in range(9)]
+        rows = self.compared(frames, 6, 4, "--gain", "3")[28:]
+        reference = bytes(sum(samples) // 6 for samples in zip(*frames[4:9]))
+        pictures = (bytes(frames[8]), reference, amplified(frames, 6, 3)[8])
+        self.assertEqual(len(set(pictures)), 3)  # or the test would not see them swapped
+        for y, row in enumerate(rows):
+            self.assertEqual(row, bytes(8).join(p[6 * y:6 * y + 6] for p in pictures), y)
+
+    def test_comparison_of_a_window_that_fills_is_three_times_the_same(self):
+        rows = self.compared([self.eight[0]], 6, 4)[28:]
+        for y, row in enumerate(rows):
+            self.assertEqual(row, bytes(8).join(3 * [bytes(self.eight[0][6 * y:6 * y + 6])]), y)
+
+    def test_comparison_has_captions(self):
+        width = 400
+        rows = self.compared([[128] * width], width, 1, "--gain", "2.5")
+        caption = rows[:28]
+        self.assertEqual(set(b"".join(caption)), {0, 255})
+        for text, left in (("ORIGINAL", 0), ("REFERENCE", width + 8),
+                           ("AMPLIFIED 2.5X AT 12 HZ", 2 * (width + 8))):
+            drawn = [x for x in range(left, left + width) if any(row[x] for row in caption)]
+            # Letters begin seven pixels from the left, and stand twelve pixels apart.
+            self.assertEqual(min(drawn), left + 7, text)
+            self.assertIn(max(drawn) - left - 7 - 12 * (len(text) - 1), range(2, 12), text)
+            blanks = [i for i in range(len(text))
+                      if not any(left + 7 + 12 * i <= x < left + 19 + 12 * i for x in drawn)]
+            self.assertEqual(blanks, [m.start() for m in re.finditer(" ", text)], text)
 
     def test_video_has_as_many_frames_as_the_input(self):
         self.assertEqual(self.kpf("amplify", "eight.y4m", "out.mkv", "--frequency", "12"),
                          (0, "", ""))
         self.record("out.mkv", "out.kpf", "--quiet")
         self.assertEqual(len(self.read("out/out_0001.div")), 5 * 40)
+
+    @unittest.skipUnless(FFPROBE, "needs ffprobe to read the times")
+    def test_video_keeps_the_rate(self):
+        self.assertEqual(self.kpf("amplify", "eight.y4m", "out.mkv", "--rate", "100"), (0, "", ""))
+        times = self.frame_times("out.mkv")
+        self.assertEqual([round(time * 100) for time in times], [0, 1, 2, 3, 4])
+
+    def test_interrupted_amplification_says_so(self):
+        self.write("long.y4m", y4m([[n % 256] * 4096 for n in range(400)], 64, 64))
+        with subprocess.Popen([KPF, "amplify", "long.y4m", "-", "--frequency", "12"],
+                              cwd=self.folder, stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE) as process:
+            first = process.stdout.read(4096)  # at work; the pipe is full long before the end
+            process.send_signal(signal.SIGTERM)
+            rest, err = process.communicate(timeout=60)
+        self.assertEqual(process.returncode, 1)
+        self.assertRegex(err, rb"^kpf: interrupted after \d+ frames\n$")
+        frames = int(err.split()[3])
+        self.assertEqual(len(first + rest), frames * 4096)
+        self.assertLess(frames, 400)
+
+    def test_progress_on_a_terminal(self):
+        frame = b"FRAME\n" + bytes(64 * 64)
+        terminal = Terminal(self, "amplify", "-", "out.mkv", "--frequency", "12")
+        terminal.feed(b"YUV4MPEG2 W64 H64 F25:1 Ip A1:1 Cmono\n" + 100 * frame)
+        while b"frames/s" not in terminal.shown:  # a pipe tells no total
+            self.assertIsNone(terminal.process.poll(), terminal.shown)
+            terminal.feed(frame)
+        code, out, shown = terminal.end()
+        self.assertEqual((code, out), (0, b""))
+        self.assertRegex(shown, rb"^\r\x1b\[K\d+ frames, \d+ frames/s\r\x1b\[K")
+
+    def test_quiet_says_nothing_on_a_terminal(self):
+        frame = b"FRAME\n" + bytes(64 * 64)
+        terminal = Terminal(self, "amplify", "-", "out.mkv", "--frequency", "12", "--quiet")
+        terminal.feed(b"YUV4MPEG2 W64 H64 F25:1 Ip A1:1 Cmono\n" + 100 * frame)
+        while not os.path.exists(self.path("out.mkv")):
+            terminal.feed(frame)
+        begin = time.monotonic()
+        while time.monotonic() - begin < 0.3:  # three times as long as progress waits
+            terminal.feed(frame)
+        self.assertEqual(terminal.end(), (0, b"", b""))
 
     def test_bad_arguments(self):
         for what, arguments in (

@@ -1,9 +1,12 @@
 """kpf export: what was recorded comes back, bit for bit where the target is lossless."""
 import os
+import signal
 import struct
+import subprocess
 import unittest
 
-from videos import VideoTest
+from recordings import KPF, Terminal
+from videos import FFPROBE, VideoTest, y4m
 
 
 class Export(VideoTest):
@@ -54,6 +57,86 @@ class Export(VideoTest):
     def test_video_for_viewing(self):
         self.export("eight.kpf", "view.mp4")
         self.assertEqual(self.read("view.mp4")[4:8], b"ftyp")
+
+    @unittest.skipUnless(FFPROBE, "needs ffprobe to read the times")
+    def test_frames_are_shown_when_they_were_taken(self):
+        for rate in (25, 50, 1000):
+            self.write("fast.y4m", y4m(self.eight, 6, 4, rate=rate))
+            self.record("fast.y4m", "fast.kpf", "--quiet", "--force")
+            for target in ("fast.mkv", "fast.mp4", "fast.mov"):
+                self.export("fast.kpf", target)
+                times = self.frame_times(target)
+                self.assertEqual(len(times), 5, target)
+                for number, time in enumerate(times):
+                    # Matroska counts whole milliseconds.
+                    self.assertAlmostEqual(time - times[0], number / rate, delta=0.00051,
+                                           msg="%s at %d" % (target, rate))
+
+    @unittest.skipUnless(FFPROBE, "needs ffprobe to read the length")
+    def test_the_last_frame_is_shown_as_long_as_the_others(self):
+        for target in ("eight.mkv", "eight.mp4", "eight.mov", "eight.avi"):
+            self.export("eight.kpf", target)
+            out = subprocess.run([FFPROBE, "-v", "error", "-show_entries", "format=duration",
+                                  "-of", "csv=p=0", target], cwd=self.folder, capture_output=True,
+                                 check=True, timeout=60).stdout
+            self.assertAlmostEqual(float(out), 5 / 25, delta=0.001, msg=target)
+
+    @unittest.skipUnless(FFPROBE, "needs ffprobe to read the times")
+    def test_recordings_without_a_rate_are_shown_at_25(self):
+        self.patch("eight.kpf", 184, struct.pack("<d", 0.0))
+        self.export("eight.kpf", "norate.mkv")
+        self.assertAlmostEqual(self.frame_times("norate.mkv")[4], 4 / 25, delta=0.001)
+
+    def test_odd_sizes_can_be_viewed_too(self):
+        self.write("odd.y4m", y4m([list(range(35))] * 2, 7, 5))
+        self.record("odd.y4m", "odd.kpf", "--quiet")
+        self.export("odd.kpf", "odd.mp4")
+        self.assertEqual(self.read("odd.mp4")[4:8], b"ftyp")
+
+    def long_recording(self, frames=4000):
+        """So many small frames that nobody exports them within a tenth of a second."""
+        self.write("long.y4m", y4m([[n % 256] * 4096 for n in range(10)], 64, 64))
+        self.record("long.y4m", "long.kpf", "--quiet")
+        data = self.read("long/long_0001.div")
+        with open(self.path("long/long_0001.div"), "r+b") as file:
+            file.write(data)
+            file.truncate(frames * len(data) // 10)
+        self.patch("long.kpf", 468, struct.pack("<I", frames))
+
+    def test_progress_on_a_terminal(self):
+        self.long_recording(12000)
+        code, out, shown = Terminal(self, "export", "long.kpf", "long.mkv").end()
+        self.assertEqual((code, out), (0, b""))
+        self.assertRegex(shown, rb"\r\x1b\[K\d+ of 12000 frames, \d+ frames/s, \d+:\d\d left")
+        self.assertTrue(shown.endswith(b"\r\x1b[K"))
+
+    def test_quiet_says_nothing_on_a_terminal(self):
+        self.long_recording(12000)
+        self.assertEqual(Terminal(self, "export", "long.kpf", "long.mkv", "--quiet").end(),
+                         (0, b"", b""))
+
+    def test_interrupted_export_leaves_what_can_be_played(self):
+        self.long_recording()
+        with subprocess.Popen([KPF, "export", "long.kpf", "-"], cwd=self.folder,
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE) as process:
+            first = process.stdout.read(4096)  # at work; the pipe is full long before the end
+            process.send_signal(signal.SIGINT)
+            rest, err = process.communicate(timeout=60)
+        self.assertEqual(process.returncode, 1)
+        self.assertRegex(err, rb"^kpf: \d+ of 4000 frames exported: interrupted\n$")
+        frames = int(err.split()[1])
+        self.assertEqual(len(first + rest), frames * 4096)
+        self.assertLess(frames, 4000)
+
+    def test_pipe_that_nobody_reads(self):
+        self.long_recording()
+        with subprocess.Popen([KPF, "export", "long.kpf", "-"], cwd=self.folder,
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                              restore_signals=False) as process:
+            process.stdout.close()
+            err = process.stderr.read()
+            self.assertEqual(process.wait(timeout=60), 1)
+        self.assertIn(b"cannot write to standard output", err)
 
     def test_recording_cut_short_gives_what_is_there(self):
         self.cut("eight/eight_0001.div", 40 * 3 + 7)

@@ -114,6 +114,22 @@ class Info(RecordingTest):
         self.assertEqual((code, out), (2, ""))
         self.assertIn("./clip.kpf, byte 0: not the header of a recording\n", err)
 
+    def test_json_tells_a_failure_too(self):
+        code, out, err = self.kpf("info", "--json", "none.kpf")
+        self.assertEqual(code, 2)
+        self.assertEqual(json.loads(out), {"error": {
+            "name": "unreadable-input", "text": "none.kpf, byte 0: No such file or directory",
+            "advice": "Give the header file (.kpf) of a recording that you may read.",
+            "exitCode": 2}})
+        self.assertIn("kpf: none.kpf, byte 0: No such file or directory\n", err)
+
+    def test_json_tells_wrong_usage_too(self):
+        code, out, err = self.kpf("info", "--json")
+        self.assertEqual(code, 2)
+        self.assertEqual(json.loads(out)["error"]["name"], "wrong-usage")
+        self.assertIn("FILE", json.loads(out)["error"]["text"])
+        self.assertIn("--help", err)
+
 
 if __name__ == "__main__":
     unittest.main()

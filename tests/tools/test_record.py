@@ -7,7 +7,7 @@ import struct
 import subprocess
 import unittest
 
-from recordings import KPF
+from recordings import KPF, Terminal
 from videos import VideoTest, y4m
 
 
@@ -188,11 +188,15 @@ class Record(VideoTest):
         self.assertIn(b"queueFrame: io stream write failed.", err)
         self.assertEqual(self.kpf("verify", "disk/out.kpf")[0], 1)
 
-    @unittest.skipUnless(shutil.which("ffmpeg"), "needs ffmpeg to drop a frame")
-    def test_gaps_are_filled_where_time_stamps_skip(self):
+    def make_gap(self):
+        """gap.mkv, of whose five frames the third is not there."""
         subprocess.run(["ffmpeg", "-v", "error", "-i", "eight.y4m", "-vf", "select=not(eq(n\\,2))",
                         "-vsync", "passthrough", "-c:v", "ffv1", "gap.mkv"], cwd=self.folder,
                        check=True, stdin=subprocess.DEVNULL)
+
+    @unittest.skipUnless(shutil.which("ffmpeg"), "needs ffmpeg to drop a frame")
+    def test_gaps_are_filled_where_time_stamps_skip(self):
+        self.make_gap()
         out = self.record("gap.mkv", "gap.kpf", "--fill-gaps", "--rate", "25")
         self.assertEqual(out, "./gap.kpf: 5 frames recorded, 1 placeholder\n")
         data = self.read("gap/gap_0001.div")
@@ -201,6 +205,49 @@ class Record(VideoTest):
         self.assertEqual(data[136:160], bytes(self.eight[3]))
         out = self.record("gap.mkv", "closed.kpf", "--rate", "25")
         self.assertEqual(out, "./closed.kpf: 4 frames recorded, 0 placeholders\n")
+
+    @unittest.skipUnless(shutil.which("ffmpeg"), "needs ffmpeg to drop a frame")
+    def test_recording_may_end_inside_a_gap(self):
+        self.make_gap()
+        for frames, placeholders in ((2, "0 placeholders"), (3, "1 placeholder"),
+                                     (4, "1 placeholder")):
+            out = self.record("gap.mkv", "gap.kpf", "--fill-gaps", "--rate", "25", "--frames",
+                              str(frames), "--force")
+            self.assertEqual(out, "./gap.kpf: %d frames recorded, %s\n" % (frames, placeholders))
+            self.assertEqual(len(self.read("gap/gap_0001.div")), 40 * frames)
+            self.assertEqual(self.kpf("verify", "gap.kpf")[0], 0)
+
+    def test_progress_on_a_terminal(self):
+        frame = b"FRAME\n" + bytes(64 * 64)
+        terminal = Terminal(self, "record", "-", "out.kpf", "--frames", "100000")
+        terminal.feed(b"YUV4MPEG2 W64 H64 F25:1 Ip A1:1 Cmono\n" + 100 * frame)
+        while b"left" not in terminal.shown:
+            self.assertIsNone(terminal.process.poll(), terminal.shown)
+            terminal.feed(frame)
+        code, out, shown = terminal.end()
+        self.assertEqual((code, out), (1, b""))
+        self.assertRegex(shown, rb"^\r\x1b\[K\d+ of 100000 frames, \d+ frames/s, \d+:\d\d left")
+        # The line is wiped before others are written below it.
+        self.assertRegex(shown, rb"left\r\x1b\[K[^\r]+\r\n")
+        self.assertRegex(shown, rb"\nkpf: ./out.kpf: \d+ of 100000 frames are on disk")
+
+    def test_quiet_says_nothing(self):
+        self.assertEqual(self.kpf("record", "eight.y4m", "out.kpf", "--quiet"), (0, "", ""))
+        code, out, shown = Terminal(self, "record", "eight.y4m", "again.kpf", "--quiet").end()
+        self.assertEqual((code, out, shown), (0, b"", b""))
+
+    def test_rates_are_rounded_to_whole_ones_with_a_word(self):
+        code, out, err = self.kpf("record", "eight.y4m", "out.kpf", "--rate", "29.97", *self.start)
+        self.assertEqual((code, out), (0, "./out.kpf: 5 frames recorded, 0 placeholders\n"))
+        self.assertEqual(err, "kpf: 29.97 frames/s are recorded as 30: the format holds whole "
+                              "rates\n")
+        self.assertEqual(self.read("out.kpf")[184:192], struct.pack("<d", 30.0))
+        self.refused("tells no frame rate", "eight.y4m", "slow.kpf", "--rate", "0.4")
+
+    def test_input_without_frames(self):
+        self.write("none.y4m", y4m([], 6, 4))
+        self.refused("none.y4m", "none.y4m", "out.kpf")
+        self.assertFalse(os.path.exists(self.path("out.kpf")))
 
 
 if __name__ == "__main__":

@@ -1,7 +1,12 @@
 """Videos made by hand: YUV4MPEG2 files of grey frames."""
+import json
+import shutil
 import struct
+import subprocess
 
 from recordings import RecordingTest
+
+FFPROBE = shutil.which("ffprobe")
 
 
 def y4m(frames, width, height, rate=25, bits=8):
@@ -36,3 +41,10 @@ class VideoTest(RecordingTest):
         code, out, err = self.kpf("record", *arguments, *self.start)
         self.assertEqual((code, err), (0, ""), out)
         return out
+
+    def frame_times(self, name):
+        """When each frame of a video is shown, in seconds, as another program reads it."""
+        out = subprocess.run([FFPROBE, "-v", "error", "-select_streams", "v", "-show_entries",
+                              "frame=best_effort_timestamp_time", "-of", "json", name],
+                             cwd=self.folder, capture_output=True, check=True, timeout=60).stdout
+        return [float(frame["best_effort_timestamp_time"]) for frame in json.loads(out)["frames"]]

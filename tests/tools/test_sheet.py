@@ -1,0 +1,59 @@
+"""kpf sheet: the page that the demo makes."""
+import unittest
+
+from videos import VideoTest, y4m
+
+WIDTH, HEIGHT = 64, 48
+HALF_WIDTH, HALF_HEIGHT, GAP, CAPTION = 32, 24, 8, 28
+
+
+class Sheet(VideoTest):
+    """Nine frames, each of one grey level, in a video and in a recording."""
+
+    def setUp(self):
+        super().setUp()
+        self.write("nine.y4m", y4m([[20 * n + 20] * (WIDTH * HEIGHT) for n in range(9)],
+                                   WIDTH, HEIGHT))
+        self.record("nine.y4m", "nine.kpf", "--quiet")
+
+    def page(self, source, recording):
+        done = self.kpf_bytes("sheet", source, recording, "-")
+        self.assertEqual((done.returncode, done.stderr), (0, b""))
+        width = 3 * HALF_WIDTH + 2 * GAP
+        self.assertEqual(len(done.stdout), width * 2 * (HALF_HEIGHT + CAPTION))
+        return [done.stdout[i:i + width] for i in range(0, len(done.stdout), width)]
+
+    def test_three_frames_of_source_and_recording(self):
+        rows = self.page("nine.y4m", "nine.kpf")
+        gap = bytes(GAP)
+        # Of nine frames the middle ones of three thirds: 1, 4 and 7.
+        expected = gap.join(bytes([20 * n + 20]) * HALF_WIDTH for n in (1, 4, 7))
+        for row in (CAPTION, CAPTION + HALF_HEIGHT - 1, 2 * CAPTION + HALF_HEIGHT, -1):
+            self.assertEqual(rows[row], expected)
+
+    def test_captions_stand_above_the_pictures(self):
+        rows = self.page("nine.y4m", "nine.kpf")
+        for top in (0, CAPTION + HALF_HEIGHT):
+            caption = rows[top:top + CAPTION]
+            self.assertFalse(any(any(row) for row in caption[:7] + caption[-7:]))
+            self.assertTrue(all(any(row) for row in caption[7:-7]))
+        # "SOURCE" begins with a curve, "RECORDING" with a stem.
+        self.assertEqual(rows[9][7:19], bytes(2 * [0xFF] + 8 * [0] + 2 * [0]))
+
+    def test_the_page_is_an_image_by_its_name(self):
+        self.assertEqual(self.kpf("sheet", "nine.y4m", "nine.kpf", "page.png"), (0, "", ""))
+        self.assertEqual(self.read("page.png")[:8], b"\x89PNG\r\n\x1a\n")
+
+    def test_bad_arguments(self):
+        for what, arguments in (
+                ("missing.y4m", ("missing.y4m", "nine.kpf", "-")),
+                ("missing.kpf", ("nine.y4m", "missing.kpf", "-")),
+                ("no extension that is known", ("nine.y4m", "nine.kpf", "page.xyz")),
+                ("OUT", ("nine.y4m", "nine.kpf"))):
+            code, out, err = self.kpf("sheet", *arguments)
+            self.assertEqual((code, out), (2, ""), arguments)
+            self.assertIn(what, err)
+
+
+if __name__ == "__main__":
+    unittest.main()
