@@ -18,8 +18,10 @@ void addFooter(CLI::App& line, const std::string& example, const ExitStatus& sta
 }
 
 void addRange(CLI::App& line, FrameRange& range) {
-  line.add_option("--from", range.from, "first frame, counted from 0");
-  line.add_option("--to", range.to, "last frame");
+  // Parsed as an unsigned number, -1 would be the largest one.
+  line.add_option("--from", range.from, "first frame, counted from 0")
+      ->check(CLI::NonNegativeNumber);
+  line.add_option("--to", range.to, "last frame")->check(CLI::NonNegativeNumber);
 }
 
 void addJson(CLI::App& line, bool& json) { line.add_flag("--json", json, "for programs"); }
