@@ -2,8 +2,8 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstddef>
-#include <cstdio>
 
 #include "tools/kpf/terminal/tool_error.h"
 
@@ -14,19 +14,26 @@ class RawOutput : public PictureOutput {
  public:
   // A descriptor of its own: while the library is at work standard output is captured.
   explicit RawOutput(const PictureFormat& format)
-      : size_(format.rowSize() * format.height), file_(fdopen(dup(STDOUT_FILENO), "wb")) {}
+      : size_(format.rowSize() * format.height), output_(dup(STDOUT_FILENO)) {}
   ~RawOutput() override {
-    if (file_ != nullptr) std::fclose(file_);
+    if (output_ >= 0) close(output_);
   }
   RawOutput(const RawOutput&) = delete;
   RawOutput& operator=(const RawOutput&) = delete;
 
+  // A frame that is begun is completed, also when Ctrl-C interrupts the wait for a full pipe:
+  // whoever reads it counts in frames.
   void add(const unsigned char* rows) override {
-    if (file_ == nullptr || std::fwrite(rows, 1, size_, file_) != size_) fail();
+    for (std::size_t done = 0; done < size_;) {
+      const ssize_t written = write(output_, rows + done, size_ - done);
+      if (written < 0 && errno == EINTR) continue;
+      if (written < 0) fail();
+      done += static_cast<std::size_t>(written);
+    }
   }
 
   void finish() override {
-    if (file_ == nullptr || std::fflush(file_) != 0) fail();
+    if (output_ < 0) fail();
   }
 
  private:
@@ -36,7 +43,7 @@ class RawOutput : public PictureOutput {
   }
 
   std::size_t size_;
-  std::FILE* file_;  // null when standard output is closed
+  int output_;  // -1 when standard output is closed
 };
 
 }  // namespace
