@@ -66,8 +66,8 @@ class VxLogger {
   VxLogger(const VxLogger&) = delete;
   VxLogger& operator=(const VxLogger&) = delete;
 
-  static std::unique_ptr<VxLogger> instance;  // null until the first factory()
-  static std::mutex instance_mutex;           // guards the creation of `instance`
+  static std::unique_ptr<VxLogger>& instance;  // null until the first factory()
+  static std::mutex& instance_mutex;           // guards the creation of `instance`
 
  private:
   VxLogger() = default;

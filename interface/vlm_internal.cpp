@@ -13,15 +13,6 @@
 #include "packed/vx_kpf_packed.h"
 #include "vx_log.h"
 
-namespace VLM_INTERNAL {
-
-// Destroyed before the logger that closing a stream writes to: the logger is made with a priority.
-constinit HandleTable<VLM_KPF::VxKPFPackedStream> streamVector;
-// Defined second, so destroyed first.
-constinit HandleTable<VLM_KPF::VxKPFMotionAmpl> maVector;
-
-}  // namespace VLM_INTERNAL
-
 namespace {
 
 using VLM_INTERNAL::streamVector;

@@ -1,4 +1,5 @@
-// The two tables behind the handles.
+// The two tables behind the handles. What is left in them at the end is destroyed, the amplifiers
+// before the streams; the tables themselves never are.
 #ifndef VLM_INTERNAL_TABLES_H
 #define VLM_INTERNAL_TABLES_H
 
@@ -8,8 +9,8 @@
 
 namespace VLM_INTERNAL {
 
-extern HandleTable<VLM_KPF::VxKPFPackedStream> streamVector;
-extern HandleTable<VLM_KPF::VxKPFMotionAmpl> maVector;
+extern HandleTable<VLM_KPF::VxKPFPackedStream>& streamVector;
+extern HandleTable<VLM_KPF::VxKPFMotionAmpl>& maVector;
 
 }  // namespace VLM_INTERNAL
 

@@ -28,12 +28,34 @@ constexpr int kOpenFlags = O_WRONLY | O_CREAT;
 constexpr int kPermissions = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP;
 #endif
 
-}  // namespace
+/// The logger and its mutex are never destroyed: a thread that nobody ended may log to the last.
+union Kept {
+  Kept() : statics() {}
+  ~Kept() {}
+  Kept(const Kept&) = delete;
+  Kept& operator=(const Kept&) = delete;
+  struct {
+    std::mutex mutex;
+    std::unique_ptr<VxLogger> instance;
+  } statics;
+};
+
+/// Closes the log file at the end; lines that come even later go to standard output alone.
+struct LastCloser {
+  ~LastCloser() {
+    if (VxLogger::instance != nullptr) VxLogger::instance->loggerFile(nullptr);
+  }
+};
 
 // The lowest priorities that are not the compiler's own: made before every static object that may
-// log, in whatever order the program was linked, and so destroyed after all of them.
-[[gnu::init_priority(101)]] std::mutex VxLogger::instance_mutex;
-[[gnu::init_priority(102)]] std::unique_ptr<VxLogger> VxLogger::instance;
+// log, in whatever order the program was linked, and so closed after the end of all of them.
+[[gnu::init_priority(101)]] Kept kept;
+[[gnu::init_priority(102)]] LastCloser lastCloser;
+
+}  // namespace
+
+constinit std::mutex& VxLogger::instance_mutex = kept.statics.mutex;
+constinit std::unique_ptr<VxLogger>& VxLogger::instance = kept.statics.instance;
 
 VxLogger* VxLogger::factory() {
   const std::lock_guard lock(instance_mutex);

@@ -1,13 +1,20 @@
 #include "memory/vx_frame_memory.h"
 
+#include <cstring>
 #include <new>
-#include <utility>
 
 namespace VX_FRAME_MEMORY {
 namespace {
 
 // Allocators keep smaller blocks themselves and map larger ones anew for every request.
 constexpr std::size_t kSmallestKept = std::size_t{128} << 10;
+static_assert(kSmallestKept >= sizeof(std::size_t), "a block that is kept has room for its size");
+
+std::size_t sizeOf(const unsigned char* kept) {
+  std::size_t size = 0;
+  std::memcpy(&size, kept, sizeof size);
+  return size;
+}
 
 }  // namespace
 
@@ -22,16 +29,18 @@ void FrameMemoryRelease::operator()(unsigned char* memory) const noexcept {
   ::operator delete(memory);
 }
 
+/// The block kept when it has that size. Any other goes: what is released next takes its place.
 unsigned char* SpareFrame::take(std::size_t size) {
-  const std::lock_guard lock(mutex_);
-  return size_ == size ? std::exchange(memory_, nullptr) : nullptr;
+  unsigned char* const memory = kept_.exchange(nullptr);
+  if (memory == nullptr || sizeOf(memory) == size) return memory;
+  ::operator delete(memory);
+  return nullptr;
 }
 
 /// Keeps `memory` and gives back what was kept before.
 unsigned char* SpareFrame::swap(unsigned char* memory, std::size_t size) {
-  const std::lock_guard lock(mutex_);
-  size_ = size;
-  return std::exchange(memory_, memory);
+  std::memcpy(memory, &size, sizeof size);
+  return kept_.exchange(memory);
 }
 
 }  // namespace VX_FRAME_MEMORY

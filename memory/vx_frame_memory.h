@@ -2,9 +2,10 @@
 #ifndef VX_FRAME_MEMORY_H
 #define VX_FRAME_MEMORY_H
 
+#include <atomic>
 #include <cstddef>
 #include <memory>
-#include <mutex>
+#include <type_traits>
 
 namespace VX_FRAME_MEMORY {
 
@@ -23,12 +24,13 @@ using FrameMemory = std::unique_ptr<unsigned char[], FrameMemoryRelease>;
  *
  * The next frame of that size gets it: a block returned to the system is faulted in again page by
  * page, which takes longer than the work on the frame. One object for a purpose, in static storage,
- * outlives all its frames and serves any thread.
+ * serves any thread. It is ready before any constructor runs and never destroyed: frames may come
+ * and go until the process is no more, in a thread that nobody ended as in the destructor of
+ * another static object.
  */
 class SpareFrame {
  public:
-  SpareFrame() = default;
-  ~SpareFrame() { ::operator delete(memory_); }
+  constexpr SpareFrame() = default;
   SpareFrame(const SpareFrame&) = delete;
   SpareFrame& operator=(const SpareFrame&) = delete;
 
@@ -40,10 +42,10 @@ class SpareFrame {
   unsigned char* take(std::size_t size);
   unsigned char* swap(unsigned char* memory, std::size_t size);
 
-  std::mutex mutex_;  // guards both
-  unsigned char* memory_ = nullptr;
-  std::size_t size_ = 0;
+  // The block kept, or null; its size stands in its first bytes. Who takes the pointer out owns it.
+  std::atomic<unsigned char*> kept_{nullptr};
 };
+static_assert(std::is_trivially_destructible_v<SpareFrame>);
 
 }  // namespace VX_FRAME_MEMORY
 

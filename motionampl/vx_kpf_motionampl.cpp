@@ -22,7 +22,7 @@ using VX_LOG::VxLogger;
 // cores.
 constexpr std::size_t kParallelSamples = std::size_t{64} << 10;
 
-VX_FRAME_MEMORY::SpareFrame scratch;
+constinit VX_FRAME_MEMORY::SpareFrame scratch;
 
 /// Toward zero; the smallest number for everything that 32 bits do not hold.
 std::int32_t truncate(double value) {

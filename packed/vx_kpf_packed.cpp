@@ -20,7 +20,7 @@ constexpr std::uint64_t kAddressable = std::uint64_t{1} << 31;
 // cores.
 constexpr std::size_t kParallelPixels = std::size_t{64} << 10;
 
-VX_FRAME_MEMORY::SpareFrame framePixels;
+constinit VX_FRAME_MEMORY::SpareFrame framePixels;
 
 /// An image's rows in units of one packing step: a pixel at 8 bits, a pair of pixels at 12.
 struct Rows {
