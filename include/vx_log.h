@@ -2,6 +2,7 @@
 #ifndef VX_LOG_H
 #define VX_LOG_H
 
+#include <atomic>
 #include <cstddef>
 #include <memory>
 #include <mutex>
@@ -25,7 +26,7 @@ enum Level : unsigned { kError = 3, kWarning = 4, kDebug = 7 };
  *
  * It keeps no history, adds no time stamp and filters nothing: the level of a line is the caller's
  * note to the reader of the code. Only the creation of the one instance is guarded; callers who
- * log from several threads while changing flags or files serialise that themselves.
+ * set or reopen the file while other threads log serialise that themselves.
  */
 class VxLogger {
  public:
@@ -41,7 +42,8 @@ class VxLogger {
   VLM_API void loggerUseStdout(bool use);
 
   /**
-   * Opens `path` for the lines to come, or closes the log file when `path` is null.
+   * Opens `path` for the lines to come, or closes the log file when `path` is null. Programs that
+   * the application starts do not inherit the file.
    *
    * A new file is readable and writable for owner and group. An existing one is overwritten from
    * its first byte on and keeps whatever lies behind the new lines.
@@ -76,8 +78,8 @@ class VxLogger {
   void write(const char* line, std::size_t size) const;
 
   bool reserved_ = false;  // part of the record, read by nothing
-  bool useSyslog_ = true;
-  bool useStdout_ = true;
+  std::atomic<bool> useSyslog_ = true;
+  std::atomic<bool> useStdout_ = true;
   std::string fileName_;     // empty: no file set
   int fileDescriptor_ = -1;  // -1: no file open
 };

@@ -12,19 +12,23 @@
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
+#include <filesystem>
 #include <utility>
+
+#include "paths/native_path.h"
 
 namespace VX_LOG {
 namespace {
 
 constexpr std::size_t kLineCapacity = 1024;  // bytes, the line feed included
 
+// The file is nothing to a program that the application starts.
 #ifdef _WIN32
 // Binary: a line ends in a single line feed on every platform.
-constexpr int kOpenFlags = O_WRONLY | O_CREAT | O_BINARY;
+constexpr int kOpenFlags = O_WRONLY | O_CREAT | O_BINARY | O_NOINHERIT;
 constexpr int kPermissions = S_IREAD | S_IWRITE;
 #else
-constexpr int kOpenFlags = O_WRONLY | O_CREAT;
+constexpr int kOpenFlags = O_WRONLY | O_CREAT | O_CLOEXEC;
 constexpr int kPermissions = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP;
 #endif
 
@@ -117,7 +121,14 @@ void VxLogger::write(const char* line, std::size_t size) const {
 }
 
 // Positioned at the first byte, neither appending nor truncating: old lines behind the new stay.
-int VxLogger::openFile(const char* path) { return ::open(path, kOpenFlags, kPermissions); }
+int VxLogger::openFile(const char* path) {
+  const std::filesystem::path file = PATHS::nativePath(path);
+#ifdef _WIN32
+  return ::_wopen(file.c_str(), kOpenFlags, kPermissions);
+#else
+  return ::open(file.c_str(), kOpenFlags, kPermissions);
+#endif
+}
 
 void VxLogger::closeFile() {
   if (fileDescriptor_ >= 0) ::close(fileDescriptor_);

@@ -5,6 +5,7 @@
 #include <system_error>
 #include <vector>
 
+#include "paths/native_path.h"
 #include "reader/kpf_reader.h"
 
 namespace KPF_READER {
@@ -20,12 +21,20 @@ std::vector<DataNames> candidates(const std::string& headerPath) {
   if (!stem) {
     throw RecordingError(headerPath, 0, "the name has no extension, so the data has no folder");
   }
-  const fs::path header(headerPath);
+  const fs::path header = PATHS::nativePath(headerPath);
   const std::string base = header.stem().string();
-  const fs::path beside = header.parent_path();
-  return {KPF_FORMAT::dataNames(*stem),
-          {(beside / base / "").string(), base},
-          {(beside / (base + "\\")).string(), base}};
+  const fs::path folder = header.parent_path() / header.stem();
+  return {
+      KPF_FORMAT::dataNames(*stem), {(folder / "").string(), base}, {folder.string() + "\\", base}};
+}
+
+/// `name` in the bytes of names. What Windows keeps but no text can spell is nobody's data file.
+std::string spelled(const fs::path& name) {
+  try {
+    return name.string();
+  } catch (const fs::filesystem_error&) {
+    return {};
+  }
 }
 
 }  // namespace
@@ -39,7 +48,7 @@ DataNames findDataNames(const std::string& headerPath) {
 }
 
 std::map<std::uint32_t, std::string> findDivFiles(const DataNames& names) {
-  const fs::path path(names.folder + names.base);
+  const fs::path path = PATHS::nativePath(names.folder + names.base);
   const fs::path folder = path.has_parent_path() ? path.parent_path() : fs::path(".");
   const DataNames inFolder{"", path.filename().string()};
   std::map<std::uint32_t, std::string> files;
@@ -47,7 +56,7 @@ std::map<std::uint32_t, std::string> findDivFiles(const DataNames& names) {
   for (fs::directory_iterator entry(folder, stopped), none; entry != none;
        entry.increment(stopped)) {
     const std::uint32_t number =
-        KPF_FORMAT::divFileNumber(inFolder, entry->path().filename().string());
+        KPF_FORMAT::divFileNumber(inFolder, spelled(entry->path().filename()));
     if (number != 0) files.emplace(number, KPF_FORMAT::divFileName(names, number));
   }
   return files;

@@ -11,6 +11,7 @@
 #include "format/kpf_file_names.h"
 #include "format/kpf_layout.h"
 #include "format/kpf_status.h"
+#include "paths/native_path.h"
 #include "reader/kpf_div_files.h"
 #include "reader/kpf_header.h"
 #include "reader/kpf_header_check.h"
@@ -18,6 +19,7 @@
 
 namespace KPF_READER {
 namespace fs = std::filesystem;
+using PATHS::nativePath;
 namespace layout = KPF_FORMAT::FRAME_HEADER;
 namespace {
 
@@ -26,10 +28,10 @@ constexpr std::size_t kLongestStatusText = 4096;
 /// Opening a FIFO would wait for a writer, and a folder has no bytes.
 std::uint64_t sizeOfFile(const std::string& path) {
   std::error_code error;
-  if (!fs::is_regular_file(fs::status(path, error))) {
+  if (!fs::is_regular_file(fs::status(nativePath(path), error))) {
     throw RecordingError(path, 0, error ? error.message() : "not a file");
   }
-  const std::uintmax_t size = fs::file_size(path, error);
+  const std::uintmax_t size = fs::file_size(nativePath(path), error);
   if (error) throw RecordingError(path, 0, error.message());
   return size;
 }
@@ -164,9 +166,9 @@ std::string Recording::statusFilePath() const { return KPF_FORMAT::statusFileNam
 std::optional<std::string> Recording::statusFile() const {
   const std::string file = statusFilePath();
   std::error_code error;
-  if (fs::status(file, error).type() == fs::file_type::not_found) return std::nullopt;
+  if (fs::status(nativePath(file), error).type() == fs::file_type::not_found) return std::nullopt;
   std::string text(std::min<std::uint64_t>(sizeOfFile(file), kLongestStatusText), '\0');
-  std::ifstream in(file, std::ios::binary);
+  std::ifstream in(nativePath(file), std::ios::binary);
   if (!in.read(text.data(), static_cast<std::streamsize>(text.size()))) {
     throw RecordingError(file, 0, "cannot be read");
   }

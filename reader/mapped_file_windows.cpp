@@ -4,11 +4,11 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
 #include <limits>
 #include <string>
 #include <system_error>
 
+#include "paths/native_path.h"
 #include "reader/mapped_file.h"
 
 namespace KPF_READER {
@@ -38,8 +38,8 @@ HANDLE openForReading(const std::string& path, Access access) {
   const DWORD shared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
   const DWORD hint =
       access == Access::kSequential ? FILE_FLAG_SEQUENTIAL_SCAN : FILE_FLAG_RANDOM_ACCESS;
-  return CreateFileW(std::filesystem::path(path).c_str(), GENERIC_READ, shared, nullptr,
-                     OPEN_EXISTING, hint, nullptr);
+  return CreateFileW(PATHS::nativePath(path).c_str(), GENERIC_READ, shared, nullptr, OPEN_EXISTING,
+                     hint, nullptr);
 }
 
 std::size_t sizeOf(const Handle& file, const std::string& path) {

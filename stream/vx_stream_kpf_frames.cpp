@@ -8,6 +8,7 @@
 
 #include "format/kpf_file_names.h"
 #include "format/kpf_sizes.h"
+#include "paths/native_path.h"
 #include "stream/vx_stream_kpf_packed.h"
 #include "vx_log.h"
 
@@ -81,7 +82,7 @@ bool VxKPFPackedStream::acceptsFrame(const VxKPFPacked* frame) {
 }
 
 std::filesystem::path VxKPFPackedStream::divFileName(unsigned number) const {
-  return KPF_FORMAT::divFileName({divFolder, baseName}, number);
+  return PATHS::nativePath(KPF_FORMAT::divFileName({divFolder, baseName}, number));
 }
 
 // A file that could not be opened keeps its number and is not tried again: its frames are refused

@@ -12,19 +12,17 @@
 #include "format/kpf_file_names.h"
 #include "format/kpf_sizes.h"
 #include "format/kpf_status.h"
+#include "paths/native_path.h"
 #include "stream/vx_kpf_header.h"
 #include "vx_log.h"
 
 namespace VLM_KPF {
 namespace {
 
+using PATHS::nativePath;
 using VLM_INTERNAL::VXP_STREAM_CONFIGURATION;
 using VX_KPF_PACKED::VxKPFPacked;
 using VX_LOG::VxLogger;
-
-// Files and folders go by paths alike: on Windows a path and a stream's own name are turned into
-// UTF-16 in two ways, which differ beyond ASCII.
-std::filesystem::path pathOf(const std::string& name) { return name; }
 
 /// `value` cut toward zero. What no 64-bit integer can hold, NaN included, gives 2^63; negative
 /// values give their two's complement.
@@ -197,7 +195,7 @@ bool VxKPFPackedStream::deriveNames(const std::string& name) {
 
 unsigned VxKPFPackedStream::createFiles() {
   const auto log = VxLogger::factory();
-  std::ofstream headerStream(pathOf(streamName),
+  std::ofstream headerStream(nativePath(streamName),
                              std::ios::out | std::ios::trunc | std::ios::binary);
   if (!headerStream.is_open()) {
     log->vx_log(VX_LOG::kWarning, "%s: Unable to open %s for binary output!", "prepareForWriting",
@@ -214,9 +212,9 @@ unsigned VxKPFPackedStream::createFiles() {
 unsigned VxKPFPackedStream::createDivFolder() {
   namespace fs = std::filesystem;
   std::error_code ignored;
-  if (fs::create_directories(pathOf(divFolder), ignored)) return STREAM_WRITING;
+  if (fs::create_directories(nativePath(divFolder), ignored)) return STREAM_WRITING;
   // What is there already is used as it is; a folder of an earlier run is the common case.
-  if (fs::exists(fs::status(pathOf(divFolder)))) return STREAM_WRITING;
+  if (fs::exists(fs::status(nativePath(divFolder)))) return STREAM_WRITING;
   VxLogger::factory()->vx_log(VX_LOG::kWarning, "%s: Unable to create subfolder %s for DIV files!",
                               "prepareForWriting", divFolder.c_str());
   return STREAM_BAD_PATH;
@@ -229,7 +227,7 @@ void VxKPFPackedStream::writeStatusFile() const {
                               "%s: KPF Packed streamStatus is not marked complete.  Writing %s to "
                               "document incomplete status.",
                               "closeStream", name.c_str());
-  std::ofstream file(pathOf(name), std::ios::out | std::ios::trunc);
+  std::ofstream file(nativePath(name), std::ios::out | std::ios::trunc);
   file << KPF_FORMAT::kStatusText << std::flush;
 }
 

@@ -1,5 +1,15 @@
+#include <fcntl.h>
+#ifdef _WIN32
+#include <io.h>
+#include <windows.h>
+#else
+#include <unistd.h>
+#endif
+
 #include <cerrno>
+#include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 #include "tests/support/library_test.h"
@@ -122,6 +132,25 @@ TEST_F(Logger, ReopenGivesADescriptorAndStartsTheFileOfThatNameAgain) {
   EXPECT_EQ(readText(file), "after\n\n");  // written over "before\n"
 }
 
+TEST_F(Logger, ReopenUsesNoDescriptorUp) {
+  ASSERT_EQ(logger->loggerFile(file.c_str()), 0);
+  const int descriptor = logger->loggerReopen();
+  for (int rotation = 0; rotation < 20; ++rotation) {
+    ASSERT_EQ(logger->loggerReopen(), descriptor);  // the lowest that is free
+  }
+}
+
+// The next file that the process opens bears the number that the log's had.
+TEST_F(Logger, ClosedFileIsForgotten) {
+  ASSERT_EQ(logger->loggerFile(file.c_str()), 0);
+  ASSERT_EQ(logger->loggerFile(nullptr), 0);
+  std::ofstream data(folder / "data.div", std::ios::binary);
+  logger->vx_log(7, "stray");
+  data << "pixels" << std::flush;
+  EXPECT_EQ(readText(folder / "data.div"), "pixels");
+  EXPECT_EQ(readText(file), "");
+}
+
 TEST_F(Logger, ReopenWithoutAFileFails) { EXPECT_EQ(logger->loggerReopen(), -1); }
 
 TEST_F(Logger, FailedReopenKeepsTheNameUntilItIsCleared) {
@@ -136,7 +165,36 @@ TEST_F(Logger, FailedReopenKeepsTheNameUntilItIsCleared) {
   EXPECT_EQ(logger->loggerFile(file.c_str()), 0);
 }
 
-#ifndef _WIN32
+#ifdef _WIN32
+TEST_F(Logger, ProgramsThatAreStartedDoNotInheritTheFile) {
+  ASSERT_EQ(logger->loggerFile(file.c_str()), 0);
+  const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(logger->loggerReopen()));
+  DWORD flags = HANDLE_FLAG_INHERIT;
+  ASSERT_NE(GetHandleInformation(handle, &flags), 0);
+  EXPECT_EQ(flags & HANDLE_FLAG_INHERIT, 0U);
+}
+#else
+/// What the open descriptors of a program just started stand for.
+std::string descriptorsOfAChild() {
+  std::FILE* const pipe = popen("ls -l /proc/self/fd", "r");
+  std::string text(16384, '\0');
+  text.resize(std::fread(text.data(), 1, text.size(), pipe));
+  pclose(pipe);
+  return text;
+}
+
+TEST_F(Logger, ProgramsThatAreStartedDoNotInheritTheFile) {
+  ASSERT_EQ(logger->loggerFile(file.c_str()), 0);
+  const int inherited = ::open((folder / "inherited").c_str(), O_WRONLY | O_CREAT, 0600);
+  const std::string first = descriptorsOfAChild();
+  ASSERT_GT(logger->loggerReopen(), 0);
+  const std::string second = descriptorsOfAChild();
+  ::close(inherited);
+  EXPECT_NE(first.find("/inherited"), std::string::npos);  // others are seen
+  EXPECT_EQ(first.find("/log.txt"), std::string::npos);
+  EXPECT_EQ(second.find("/log.txt"), std::string::npos);
+}
+
 TEST_F(Logger, NewFileIsForOwnerAndGroup) {
   using std::filesystem::perms;
   ASSERT_EQ(logger->loggerFile(file.c_str()), 0);
