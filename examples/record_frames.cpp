@@ -25,6 +25,14 @@ void draw(unsigned number, std::vector<unsigned char>& image) {
   }
 }
 
+unsigned framesTaken(unsigned stream) {
+  unsigned announced = 0;
+  unsigned packed = 0;
+  unsigned written = 0;
+  vxGetPackStatistics(stream, &announced, &packed, &written);
+  return written;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -51,9 +59,11 @@ int main(int argc, char** argv) {
       draw(number, image);
       vxAddTiffImageData(stream, image.data());
     }
+    if (framesTaken(stream) == number) break;  // refused: the library has said why
   }
+  const unsigned taken = framesTaken(stream);
   const bool complete = vxIsPackStreamerFinished(stream) == STREAM_COMPLETE;
   vxClosePackStreamer(stream);
-  std::printf("%s: %u frames, %s\n", argv[1], kFrames, complete ? "complete" : "incomplete");
+  std::printf("%s: %u frames, %s\n", argv[1], taken, complete ? "complete" : "incomplete");
   return complete ? 0 : 1;
 }

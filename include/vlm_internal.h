@@ -6,12 +6,18 @@
  *   amplifiers are numbered independently, from 1; the number of a closed object is issued again,
  *   lowest first.
  * - A handle of 0, or one that names no object, is logged and answered with VLM_BAD_HANDLE (10).
- *   The one handle just behind the last ever issued is the exception: std::out_of_range leaves
+ *   The one handle just behind the highest ever issued is the exception: std::out_of_range leaves
  *   the function. Other exceptions are the standard library's (memory). No errno, no last error.
  * - Faults are logged through VX_LOG::VxLogger, one line each, beginning with the function's name.
- * - Nothing is locked. Calls that create or close objects, and calls on one object, come from one
- *   thread at a time, unless a function says otherwise. Different objects may be used by different
- *   threads at once.
+ * - Threads: all streams share one table, all amplifiers another. Calls that touch one table are the
+ *   caller's to serialise, also those on different objects, except those that the amplifiers' locks
+ *   cover: while none is created or closed, all the other vxMA functions may overlap, on one
+ *   amplifier and on several. vxGetPackedSize and vxConvertTiffImageData touch no table: any thread
+ *   may call them, to the very end of the process.
+ * - Objects still open when the process ends are closed, the amplifiers first, behind the destructors
+ *   of static objects of a program that is linked with the library. That touches both tables: threads
+ *   that use them must have ended by then. A handle used even later is bad like that of any other
+ *   closed object.
  * - A failed call leaves its output arguments untouched and its object as it was.
  * - Buffers stay the caller's and are not kept, except where vxMAAddFrame takes one over.
  *
@@ -82,11 +88,14 @@ VLM_API int vxGetPackStatistics(unsigned int streamHandle, unsigned int* frameCo
  * Adds a frame that is already packed. When the call returns, the record is with the operating
  * system.
  *
+ * Whether the frame was taken is told by vxGetPackStatistics: one too many, or one whose data file
+ * cannot be opened, is logged and refused, and the result does not show it. A refused frame may
+ * leave an empty data file. One whose writing failed is logged and counts as written.
+ *
  * @param data a frame record as vxConvertTiffImageData makes it: 16 header bytes, kept as they are,
  *        then the packed pixels; vxGetPackedSize bytes for the stream's geometry. Null writes an
  *        all-zero record.
- * @return STREAM_COMPLETE (4) after the last frame, else STREAM_WRITING (3), or VLM_BAD_HANDLE. A
- *         frame that was refused shows in the log and in the statistics.
+ * @return STREAM_COMPLETE (4) after the last frame, else STREAM_WRITING (3), or VLM_BAD_HANDLE.
  */
 VLM_API int vxAddPackedData(unsigned int streamHandle, const unsigned char* data);
 
@@ -110,14 +119,13 @@ VLM_API int vxReplaceFrame(unsigned int streamHandle, unsigned int frameNumber,
 
 /**
  * @return bytes of one frame record: 16, and width x height at 8 bits, else half of three times
- *         that; in 32-bit arithmetic that wraps. Any thread may ask.
+ *         that; in 32-bit arithmetic that wraps.
  */
 VLM_API unsigned int vxGetPackedSize(unsigned int width, unsigned int height,
                                      unsigned int bitsPerPixel);
 
 /**
  * Packs an image into the caller's buffer, stamped with the number given and the present time.
- * Any thread may call it.
  *
  * @param imageInPtr an image as vxAddTiffImageData takes it.
  * @param imageOutPtr receives vxGetPackedSize(width, height, bitsPerPixel) bytes.
@@ -153,10 +161,7 @@ VLM_API int vxCloseMotionAmplifier(unsigned int maHandle);
  */
 VLM_API int vxMAAddFrame(unsigned int maHandle, unsigned char* framePtr);
 
-/**
- * Whether a frame can be delivered; false for a bad handle. May be called beside other calls on the
- * amplifier.
- */
+/** Whether a frame can be delivered; false for a bad handle. */
 VLM_API bool vxMAAvailable(unsigned int maHandle);
 
 /**
@@ -181,10 +186,7 @@ VLM_API int vxMAGetRefFrame(unsigned int maHandle, unsigned char* refOut);
  */
 VLM_API int vxMAGetRefWindowSize(unsigned int maHandle);
 
-/**
- * Sets the factor, to whole numbers only; the window stays. May be called beside other calls on the
- * amplifier. A bad handle is logged.
- */
+/** Sets the factor, to whole numbers only; the window stays. A bad handle is logged. */
 VLM_API void vxMAUpdateAmpFactor(unsigned int maHandle, int ampFactor);
 
 #ifdef __cplusplus

@@ -1,7 +1,9 @@
 // What may be done from several threads at once.
 #include <barrier>
 #include <cstddef>
+#include <cstring>
 #include <functional>
+#include <new>
 #include <set>
 #include <string>
 #include <thread>
@@ -42,44 +44,62 @@ TEST_F(Threads, FindOneLoggerOnItsFirstUse) {
   }
 }
 
-TEST_F(Threads, FeedStreamsOfTheirOwn) {
+/// Streams come, are fed and go, all on one thread: their table is its own.
+void recordAgainAndAgain(const std::string& name) {
   VLM_INTERNAL::VXP_STREAM_CONFIGURATION configuration;
-  configuration.width = 640;
-  configuration.height = 100;
-  configuration.bitsPerPixel = 12;
-  configuration.frameRate = 1;
-  configuration.frameCount = 40;
-  for (int i = 0; i < kThreads; ++i) {
-    vxCreatePackStreamer(folder / ("rec" + std::to_string(i) + ".kpf"), configuration);
-  }
-  onThreads([](int i) {
-    const std::vector<unsigned char> image(2 * 640 * 100, static_cast<unsigned char>(0x11 * i));
-    for (int n = 0; n < 20; ++n) {
-      vxAddTiffImageData(static_cast<unsigned>(i + 1), image.data());
-      vxAddPlaceholder(static_cast<unsigned>(i + 1));
-    }
-  });
-  for (int i = 0; i < kThreads; ++i) {
-    const std::string stem = "rec" + std::to_string(i);
-    const auto bytes = TEST_SUPPORT::readBytes(folder.path() / stem / (stem + "_0001.div"));
-    ASSERT_EQ(bytes.size(), 40U * (16 + 96000));
-    EXPECT_EQ(bytes[38 * 96016 + 16 + 95999], 0x11 * i);
-    EXPECT_EQ(vxClosePackStreamer(static_cast<unsigned>(i + 1)), 5);
+  configuration.width = 64, configuration.height = 64, configuration.bitsPerPixel = 12;
+  configuration.frameRate = 1, configuration.frameCount = 4;
+  const std::vector<unsigned char> image(2 * 64 * 64, 0x22);
+  for (int i = 0; i < 30; ++i) {
+    const unsigned stream = vxCreatePackStreamer(name, configuration);
+    for (int n = 0; n < 2; ++n) vxAddTiffImageData(stream, image.data());
+    vxAddPlaceholder(stream);
+    EXPECT_EQ(vxAddTiffImageData(stream, image.data()), 4);
+    EXPECT_EQ(vxClosePackStreamer(stream), 5);
   }
 }
 
-TEST_F(Threads, ConvertImagesSideBySide) {
-  std::vector<std::vector<unsigned char>> out(kThreads);
-  onThreads([&](int i) {
-    const std::vector<unsigned char> image(2 * 64 * 64, static_cast<unsigned char>(0x11 * i));
-    out[static_cast<std::size_t>(i)].resize(vxGetPackedSize(64, 64, 12));
-    for (int n = 0; n < 50; ++n) {
-      vxConvertTiffImageData(image.data(), out[static_cast<std::size_t>(i)].data(), 0, 64, 64, 12);
+/// All that may overlap on amplifiers which stay: W is 3, and every frame is of 60 or 90.
+void useAmplifier(unsigned amplifier, int thread) {
+  std::vector<unsigned char> out(64 * 64);
+  for (int n = 0; n < 60; ++n) {
+    auto* const frame = static_cast<unsigned char*>(::operator new(out.size()));
+    std::memset(frame, n % 2 == 0 ? 60 : 90, out.size());
+    EXPECT_EQ(vxMAAddFrame(amplifier, frame), 0);
+    if (vxMAAvailable(amplifier)) {
+      EXPECT_EQ(vxMAGetFrame(amplifier, out.data()), 0);
+      EXPECT_GE(out.front(), 60);
+      EXPECT_EQ(vxMAGetRefFrame(amplifier, out.data()), 0);
+      EXPECT_LE(out.front(), 60);
     }
-  });
-  for (int i = 0; i < kThreads; ++i) {
-    EXPECT_EQ(out[static_cast<std::size_t>(i)].back(), 0x11 * i);
+    vxMAUpdateAmpFactor(amplifier, thread);
+    EXPECT_EQ(vxMAGetRefWindowSize(amplifier), 3);
   }
+}
+
+/// What touches no table, its failures and their lines included.
+void convert(int thread) {
+  const std::vector<unsigned char> image(2 * 64 * 64, static_cast<unsigned char>(0x11 * thread));
+  std::vector<unsigned char> out(vxGetPackedSize(64, 64, 12));
+  for (int n = 0; n < 60; ++n) {
+    EXPECT_EQ(vxConvertTiffImageData(image.data(), out.data(), 0, 64, 64, 12), 0);
+    EXPECT_EQ(out.back(), 0x11 * thread);
+    EXPECT_EQ(vxConvertTiffImageData(nullptr, out.data(), 0, 64, 64, 12), 14);
+  }
+}
+
+// One thread with streams, two with each of two amplifiers, one that only converts: as the public
+// header promises, all at once.
+TEST_F(Threads, DoAtOnceWhatMayOverlap) {
+  const VXP_MA_CONFIGURATION parameters{25.0, 20.0, 64, 64, 1.0};
+  const unsigned amplifiers[] = {vxCreateMotionAmplifier(&parameters),
+                                 vxCreateMotionAmplifier(&parameters)};
+  onThreads([&](int i) {
+    if (i == 0) recordAgainAndAgain(folder / "rec.kpf");
+    if (i >= 1 && i <= 4) useAmplifier(amplifiers[i % 2], i);
+    convert(i);
+  });
+  for (const unsigned amplifier : amplifiers) EXPECT_EQ(vxCloseMotionAmplifier(amplifier), 25);
 }
 
 }  // namespace
