@@ -89,6 +89,15 @@ TEST_F(Amplification, ConstantSceneIsBrightenedByWhatTheReferenceLacks) {
   EXPECT_EQ(amplifiedBy(amplifier, 1), Samples{180});
 }
 
+// The picture in docs/api.md.
+TEST_F(Amplification, StillSceneBrightensAndOnlyBrighteningCounts) {
+  amplifier.setParameters(25.0, 5.0, 3, 1, 8.0);
+  for (int i = 0; i < 13; ++i) add(amplifier, {120, 120, 120});
+  add(amplifier, {120, 126, 110});
+  EXPECT_EQ(referenceOf(amplifier, 3), (Samples{112, 112, 111}));
+  EXPECT_EQ(amplifiedBy(amplifier, 3), (Samples{184, 238, 110}));
+}
+
 TEST_F(Amplification, WithoutAPositiveDifferenceTheFrameComesOutUnchanged) {
   amplifier.setParameters(25.0, 20.0, 2, 1, 3.0);
   add(amplifier, {200, 200});
