@@ -1,37 +1,136 @@
-// Header and data files of any bytes: the reader gives what is there or a clear error.
+// Header, data and status files of any bytes: the reader gives what is there or a clear error.
 //
-// Input: one byte that says where the header file ends, the header file, the first data file.
+// Input: one byte of choices, the header file, and what the other files share.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <optional>
+#include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "format/kpf_file_names.h"
 #include "format/kpf_layout.h"
+#include "format/kpf_status.h"
 #include "fuzz/fuzz_input.h"
 #include "fuzz/scratch.h"
 #include "kpf_reader.h"
 
 namespace {
 
+using FUZZ::require;
+using KPF_READER::FrameRecord;
+using KPF_READER::Header;
+using KPF_READER::Recording;
+
+constexpr std::size_t kHeaderSize = KPF_FORMAT::HEADER::kSize;
+constexpr std::size_t kLongestStatusText = 4096;  // of what the reader gives
+constexpr std::uint32_t kRecordsTried = 1000;
+
+/// What the first byte says, lowest bits first.
+struct Choices {
+  explicit Choices(std::uint8_t byte)
+      : headerSize(byte % 8 == 7 ? byte * 16U : kHeaderSize),
+        files(1U + byte / 8 % 4),
+        status((byte & 0x20) != 0),
+        firstIsMissing((byte & 0x40) != 0),
+        access((byte & 0x80) != 0 ? KPF_READER::Access::kSparse : KPF_READER::Access::kSequential) {
+  }
+  std::size_t headerSize;  // most inputs have a header of the right size
+  unsigned files;          // 1 to 4 data files
+  bool status;             // the last share is a status file
+  bool firstIsMissing;
+  KPF_READER::Access access;
+};
+
 void write(const std::string& name, const std::uint8_t* data, std::size_t size) {
   std::ofstream file(name, std::ios::binary);
   file.write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
 }
 
-void readAll(const std::string& name) {
-  const KPF_READER::Recording recording(name);
-  const KPF_READER::Header& header = recording.header();
-  std::vector<std::uint16_t> samples(recording.recordCount() > 0 ? header.pixelCount() : 0);
-  for (std::uint32_t n = 0; n < recording.recordCount() && n < 1000; ++n) {
-    const KPF_READER::FrameRecord record = recording.record(n);
-    FUZZ::require(record.pixels.size() == header.frameSize(), "a record has the frame's size");
-    recording.unpack(n, samples);
+/// All files of the recording rec.kpf; each but the header gets an equal share of the rest.
+void writeRecording(const FUZZ::Scratch& scratch, const Choices& choices, const std::uint8_t* data,
+                    std::size_t size) {
+  std::filesystem::create_directories(scratch / "rec");
+  const std::size_t headerSize = std::min(choices.headerSize, size);
+  write(scratch / "rec.kpf", data, headerSize);
+  const std::size_t share = (size - headerSize) / (choices.files + (choices.status ? 1 : 0));
+  const std::uint8_t* next = data + headerSize;
+  for (unsigned number = 1; number <= choices.files; ++number, next += share) {
+    if (number == 1 && choices.firstIsMissing) continue;
+    write(KPF_FORMAT::divFileName({scratch / "rec/", "rec"}, number), next, share);
   }
-  FUZZ::require(!recording.statusFilePath().empty(), "the status file has a name");
+  if (choices.status) write(KPF_FORMAT::statusFileName(scratch / "rec.kpf"), next, share);
+}
+
+void checkHeader(const Recording& recording) {
+  const Header& header = recording.header();
+  require(header.bitsPerPixel() == (header.packed12 ? 12 : 8), "8 or 12 bits a pixel");
+  require(header.recordSize() == header.frameSize() + 16, "a record is a header and a frame");
+  for (const KPF_READER::HeaderDeviation& deviation : recording.headerDeviations()) {
+    require(deviation.offset < kHeaderSize, "a deviation stands in the header");
+    require(!deviation.problem.empty(), "a deviation says what it is");
+  }
+}
+
+void checkFiles(const Recording& recording) {
+  std::uint32_t records = 0;
+  for (const KPF_READER::DivFile& file : recording.divFiles()) {
+    require(file.number <= recording.header().divFileCount(), "the header allows the file");
+    require(file.records <= recording.header().recordsInDivFile(file.number), "and its records");
+    require(file.path == recording.divFilePath(file.number), "a data file has one name");
+    require(file.firstRecord == records, "records count through the files");
+    records += file.records;
+  }
+  require(records == recording.recordCount(), "every record lies in a file");
+  require(records <= recording.header().frameCount, "no more records than announced");
+}
+
+void checkStatus(const Recording& recording, const Choices& choices) {
+  require(recording.statusFilePath() == recording.path() + ".incomplete.txt",
+          "the status file has a name");
+  const std::optional<std::string> text = recording.statusFile();
+  require(text.has_value() == choices.status, "the status file is there when it is");
+  require(!text || text->size() <= kLongestStatusText, "its text is bounded");
+}
+
+FrameRecord checkRecord(const Recording& recording, std::uint32_t n,
+                        std::vector<std::uint16_t>& samples) {
+  const Header& header = recording.header();
+  FrameRecord record = recording.record(n);
+  require(record.pixels.size() == header.frameSize(), "a record has the frame's size");
+  require(record.place >= n && record.place < header.frameCount, "a record has a place");
+  recording.unpack(n, samples);
+  const std::vector<std::uint16_t> again = samples;
+  KPF_READER::unpackPixels(header, record.pixels, samples);
+  require(samples == again, "there is one way to unpack");
+  const auto between = KPF_READER::findByteBetweenRows(header, record.pixels);
+  require(!between || record.pixels[*between] != 0, "what is found is not 0");
+  return record;
+}
+
+void checkMissingRecord(const Recording& recording) {
+  try {
+    recording.record(recording.recordCount());
+    require(false, "behind the last record there is none");
+  } catch (const std::out_of_range&) {
+  }
+}
+
+/// A record outlives the recording that it came from.
+std::optional<FrameRecord> readAll(Recording recording, const Choices& choices) {
+  checkHeader(recording);
+  checkFiles(recording);
+  checkStatus(recording, choices);
+  checkMissingRecord(recording);
+  const std::uint32_t records = std::min(recording.recordCount(), kRecordsTried);
+  std::vector<std::uint16_t> samples(records > 0 ? recording.header().pixelCount() : 0);
+  std::optional<FrameRecord> last;
+  for (std::uint32_t n = 0; n < records; ++n) last = checkRecord(recording, n, samples);
+  return last;
 }
 
 }  // namespace
@@ -39,17 +138,18 @@ void readAll(const std::string& name) {
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const FUZZ::Scratch scratch;
   if (size == 0) return 0;
-  // Most inputs have a header of the right size; one in eight any other.
-  const std::size_t wanted = data[0] % 8 == 7 ? data[0] * 16U : KPF_FORMAT::HEADER::kSize;
-  const std::size_t headerSize = std::min(wanted, size - 1);
-  std::filesystem::create_directories(scratch / "rec");
-  write(scratch / "rec.kpf", data + 1, headerSize);
-  write(KPF_FORMAT::divFileName({scratch / "rec/", "rec"}, 1), data + 1 + headerSize,
-        size - 1 - headerSize);
+  const Choices choices(data[0]);
+  scratch.clear();
+  writeRecording(scratch, choices, data + 1, size - 1);
   try {
-    readAll(scratch / "rec.kpf");
+    Recording opened(scratch / "rec.kpf", choices.access);
+    const auto last = readAll(std::move(opened), choices);
+    const auto isZero = [](unsigned char byte) { return byte == 0; };
+    require(!last || !last->placeholder ||
+                std::all_of(last->pixels.begin(), last->pixels.end(), isZero),
+            "a placeholder is zero");
   } catch (const KPF_READER::RecordingError& error) {
-    FUZZ::require(!error.file().empty(), "an error names its file");
+    require(!error.file().empty(), "an error names its file");
   }
   return 0;
 }
