@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # What every target of this project is compiled with.
 add_library(vlm_flags INTERFACE)
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # The installed package: headers, libraries, find_package(vlm_internal) and pkg-config.
 include(CMakePackageConfigHelpers)
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # vlm_add_kernels(TARGET STEM)
 #
 # Adds STEM_avx2.cpp and STEM_avx512.cpp of the calling folder to TARGET, each with its instruction

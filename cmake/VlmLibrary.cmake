@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # The library, compiled once and offered twice: shared, exporting what exports.txt lists, and
 # static, with every symbol in reach of the tests.
 add_library(vlm_objects OBJECT)

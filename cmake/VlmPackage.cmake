@@ -1,6 +1,7 @@
+# SPDX-License-Identifier: MIT
 # What `cpack` makes: a ZIP for Windows, a TGZ and a DEB elsewhere.
 set(docs ${CMAKE_INSTALL_DATADIR}/doc/vlm_internal)
-install(FILES README.md CHANGELOG.md DESTINATION ${docs})
+install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${docs})
 install(DIRECTORY docs examples DESTINATION ${docs})
 
 set(CPACK_PACKAGE_NAME vlm-internal)

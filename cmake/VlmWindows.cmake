@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # What a DLL needs around it: the runtimes that it shares with its callers, and its version.
 
 # Strings, exceptions and memory cross the boundary, so library and caller must use one copy of
@@ -16,6 +17,22 @@ endforeach()
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 file(COPY ${vlm_runtimes} DESTINATION ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
 install(FILES ${vlm_runtimes} DESTINATION ${CMAKE_INSTALL_BINDIR})
+
+# Their licences ask that their texts travel too. They lie where the compiler's packages put them.
+foreach(text IN ITEMS
+    GPL-3=/usr/share/common-licenses/GPL-3
+    gcc-runtimes.txt=/usr/share/doc/gcc-mingw-w64-base/copyright
+    winpthreads.txt=/usr/share/doc/mingw-w64-x86-64-dev/copyright)
+  string(REPLACE "=" ";" text ${text})
+  list(GET text 0 name)
+  list(GET text 1 source)
+  if(EXISTS ${source})
+    install(FILES ${source} RENAME ${name}
+      DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vlm_internal/licences)
+  else()
+    message(WARNING "No ${source}: put ${name} beside the DLLs before passing them on")
+  endif()
+endforeach()
 
 enable_language(RC)
 configure_file(cmake/version.rc.in version.rc @ONLY)
