@@ -29,6 +29,7 @@
 #include "vlm_configuration.h"
 #include "vlm_export.h"
 #include "vlm_results.h"
+#include "vlm_version.h"
 
 #ifdef __cplusplus
 #include <string>
