@@ -25,6 +25,9 @@ endforeach()
 set_target_properties(vlm_internal PROPERTIES
   VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
 
+# Both have one name, as linkers and `pkg-config --static` expect it.
+set_target_properties(vlm_internal_static PROPERTIES OUTPUT_NAME vlm_internal)
+
 if(WIN32)
   target_sources(vlm_internal PRIVATE ${PROJECT_BINARY_DIR}/version.rc)
   # Only what is marked as exported, not the C++ library's templates beside it.
