@@ -5,6 +5,7 @@
 #include <fmt/printf.h>
 
 #include <charconv>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>

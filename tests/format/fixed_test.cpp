@@ -3,8 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <map>
 #include <set>
+#include <string_view>
 
 namespace {
 

@@ -1,6 +1,7 @@
 // The table logic that streams and amplifiers share.
 #include <gtest/gtest.h>
 
+#include <initializer_list>
 #include <memory>
 #include <stdexcept>
 

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <cstdint>
+
 namespace {
 
 using namespace KPF_TOOL;

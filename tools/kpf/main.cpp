@@ -2,6 +2,7 @@
 #include <fmt/format.h>
 
 #include <cstdio>
+#include <exception>
 
 #include "kpf_reader.h"
 #include "tools/kpf/command_line.h"

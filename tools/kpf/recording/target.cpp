@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <filesystem>
+#include <system_error>
 
 #include "format/kpf_file_names.h"
 #include "format/kpf_status.h"
