@@ -1,5 +1,7 @@
 #include "paths/native_path.h"
 
+#include <cstddef>
+
 #ifdef _WIN32
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>

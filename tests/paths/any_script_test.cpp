@@ -1,5 +1,7 @@
 // A name in any script is the same file for the writer, the log, the reader and the system.
 #include <clocale>
+#include <filesystem>
+#include <string>
 
 #include "kpf_reader.h"
 #include "paths/native_path.h"
