@@ -27,7 +27,7 @@ if(VLM_BUILD_TESTS AND NOT GTest_FOUND AND NOT EXISTS /usr/src/googletest/CMakeL
 endif()
 if(missing)
   message(FATAL_ERROR "Missing:\n${missing}To have it:\n"
-    "  scripts/setup --no-windows    gets everything on Debian and its kin, as root or with sudo.\n"
+    "  scripts/setup test    gets everything on Debian and its kin, as root or with sudo.\n"
     "An installed {fmt} 10 or later is taken: -D CMAKE_PREFIX_PATH=FOLDER where CMake does not look "
     "by itself. README.md lists what building needs.")
 endif()
