@@ -9,15 +9,15 @@
  *   The one handle just behind the highest ever issued is the exception: std::out_of_range leaves
  *   the function. Other exceptions are the standard library's (memory). No errno, no last error.
  * - Faults are logged through VX_LOG::VxLogger, one line each, beginning with the function's name.
- * - Threads: all streams share one table, all amplifiers another. Calls that touch one table are the
- *   caller's to serialise, also those on different objects, except those that the amplifiers' locks
- *   cover: while none is created or closed, all the other vxMA functions may overlap, on one
- *   amplifier and on several. vxGetPackedSize and vxConvertTiffImageData touch no table: any thread
- *   may call them, to the very end of the process.
- * - Objects still open when the process ends are closed, the amplifiers first, behind the destructors
- *   of static objects of a program that is linked with the library. That touches both tables: threads
- *   that use them must have ended by then. A handle used even later is bad like that of any other
- *   closed object.
+ * - Threads: all streams share one table, all amplifiers another. Calls that touch one table are
+ *   the caller's to serialise, also those on different objects, except those that the amplifiers'
+ *   locks cover: while none is created or closed, all the other vxMA functions may overlap, on one
+ *   amplifier and on several. vxGetPackedSize and vxConvertTiffImageData touch no table: any
+ *   thread may call them, to the very end of the process.
+ * - Objects still open when the process ends are closed, the amplifiers first, behind the
+ *   destructors of static objects of a program that is linked with the library. That touches both
+ *   tables: threads that use them must have ended by then. A handle used even later is bad like
+ *   that of any other closed object.
  * - A failed call leaves its output arguments untouched and its object as it was.
  * - Buffers stay the caller's and are not kept, except where vxMAAddFrame takes one over.
  *
