@@ -3,12 +3,12 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
-#include <system_error>
 #include <utility>
 
 #include "format/kpf_file_names.h"
 #include "format/kpf_sizes.h"
 #include "paths/native_path.h"
+#include "stream/data_file.h"
 #include "stream/vx_stream_kpf_packed.h"
 #include "vx_log.h"
 
@@ -99,30 +99,21 @@ void VxKPFPackedStream::switchDivFile() {
 
 // The header waits in the stream's buffer, so that header and pixels go out in one system call.
 // The flush passes on what a small frame left there.
+//
+// A record that fails still counts. Its torn beginning is cut off and the next record sought at its
+// own place: what comes later stays where it belongs, and the lost record reads as a placeholder.
 void VxKPFPackedStream::writeRecord(const VxKPFPacked& frame) {
+  unsigned number = 0;
+  unsigned index = 0;
+  calcDivFileInfo(seqNum, number, index);
+  const std::uint64_t recordSize = KPF_FORMAT::recordSizeOf(std::uint64_t{frameSize});
+  const std::uint64_t begin = index * recordSize;
   write(divFile, frame.getHeader(), VxKPFPacked::getHeaderSize());
   write(divFile, frame.getPackedData(), frame.packedSize);
   divFile.flush();
   if (divFile.good()) return;
   VxLogger::factory()->vx_log(VX_LOG::kError, "%s: io stream write failed.", "queueFrame");
-  dropPartialRecord();
-}
-
-// The failed record still counts. Its torn beginning is cut off and the next record sought at its
-// own place: what comes later stays where it belongs, and the lost record reads as a placeholder.
-void VxKPFPackedStream::dropPartialRecord() {
-  unsigned number = 0;
-  unsigned index = 0;
-  calcDivFileInfo(seqNum, number, index);
-  const std::uintmax_t recordSize = KPF_FORMAT::recordSizeOf(std::uintmax_t{frameSize});
-  const std::uintmax_t whole = index * recordSize;
-  const std::filesystem::path name = divFileName(number);
-  divFile.close();
-  std::error_code failed;
-  const std::uintmax_t size = std::filesystem::file_size(name, failed);
-  if (!failed && size > whole) std::filesystem::resize_file(name, whole, failed);
-  divFile.open(name, std::ios::in | std::ios::out | std::ios::binary);
-  divFile.seekp(static_cast<std::streamoff>(whole + recordSize));
+  resumeAt(divFile, begin, begin + recordSize);
 }
 
 }  // namespace VLM_KPF

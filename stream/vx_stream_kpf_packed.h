@@ -119,7 +119,6 @@ class VxKPFPackedStream {
   std::filesystem::path divFileName(unsigned number) const;
   void switchDivFile();
   void writeRecord(const VX_KPF_PACKED::VxKPFPacked& frame);
-  void dropPartialRecord();
 };
 
 }  // namespace VLM_KPF

@@ -123,6 +123,59 @@ TEST_P(DiskThatRecovers, KeepsEveryOtherFrameAtItsPlace) {
 
 INSTANTIATE_TEST_SUITE_P(Sizes, DiskThatRecovers, testing::Bool());
 
+// The file is taken up again by its descriptor: where it lies meanwhile, and what has its name now,
+// makes no difference.
+class FolderThatMoves : public FailingDisk {
+ protected:
+  FolderThatMoves() {
+    prepare(4);
+    stream.addFrame(smallFrame(1));
+  }
+  void failOneFrame() {
+    const FileSizeLimit limit(28 + 10);
+    EXPECT_EQ(stream.addFrame(smallFrame(2)), 3U);
+    EXPECT_EQ(output(), "queueFrame: io stream write failed.\n");
+  }
+  /// Frames 2 and 3 are taken, and frame 1 reads as a placeholder.
+  void expectTheRest(const std::filesystem::path& file) {
+    EXPECT_EQ(stream.addFrame(smallFrame(3)), 3U);
+    EXPECT_EQ(stream.addFrame(smallFrame(4)), 4U);
+    EXPECT_EQ(output(), "");
+    if (file.empty()) return;
+    const Bytes bytes = TEST_SUPPORT::readBytes(file);
+    ASSERT_EQ(bytes.size(), 4U * 28);
+    EXPECT_EQ(Bytes(bytes.begin() + 28, bytes.begin() + 56), Bytes(28, 0));
+    EXPECT_EQ(bytes[2 * 28 + 16], 3);
+    EXPECT_EQ(bytes[3 * 28 + 16], 4);
+  }
+
+  const std::filesystem::path rec = folder.path() / "rec";
+};
+
+TEST_F(FolderThatMoves, GoesOnAfterAFailedWrite) {
+  std::filesystem::rename(rec, folder.path() / "moved");
+  failOneFrame();
+  expectTheRest(folder.path() / "moved" / "rec_0001.div");
+  EXPECT_FALSE(std::filesystem::exists(rec));
+}
+
+TEST_F(FolderThatMoves, LeavesTheFileThatHasItsNameNow) {
+  std::filesystem::rename(rec, folder.path() / "moved");
+  std::filesystem::create_directory(rec);
+  const Bytes other(500, 7);
+  TEST_SUPPORT::writeBytes(rec / "rec_0001.div", other);
+  failOneFrame();
+  expectTheRest(folder.path() / "moved" / "rec_0001.div");
+  EXPECT_EQ(divBytes("0001"), other);
+}
+
+TEST_F(FolderThatMoves, OrIsRemovedTakesEveryFurtherFrame) {
+  std::filesystem::remove_all(rec);
+  failOneFrame();
+  expectTheRest({});
+  EXPECT_EQ(stream.seqNum, 4U);
+}
+
 TEST_F(FailingDisk, ThatStaysFullLeavesTheWholeRecords) {
   prepare(5);
   stream.addFrame(smallFrame(1));
