@@ -52,7 +52,7 @@ void VxKPFPackedStream::queueFrame(std::unique_ptr<VxKPFPacked> frame) {
   writeRecord(*frame);
   streamStatus = STREAM_WRITING;
   ++seqNum;
-  if (seqNum >= getFrameCount() && divFile.is_open()) divFile.close();
+  if (seqNum >= getFrameCount()) closeDivFile();
 }
 
 // The data file is switched before the frame is looked at, so a refused one may leave it empty.
@@ -92,7 +92,10 @@ void VxKPFPackedStream::switchDivFile() {
   unsigned index = 0;
   calcDivFileInfo(seqNum, number, index);
   if (number == currentDivFile) return;
-  if (divFile.is_open()) divFile.close();
+  if (divFile.is_open()) {
+    writeBehind_.nextFile(descriptorOf(divFile));
+    divFile.close();
+  }
   divFile.open(divFileName(number), std::ios::out | std::ios::trunc | std::ios::binary);
   currentDivFile = number;
 }
@@ -111,9 +114,17 @@ void VxKPFPackedStream::writeRecord(const VxKPFPacked& frame) {
   write(divFile, frame.getHeader(), VxKPFPacked::getHeaderSize());
   write(divFile, frame.getPackedData(), frame.packedSize);
   divFile.flush();
-  if (divFile.good()) return;
+  if (divFile.good()) {
+    writeBehind_.written(descriptorOf(divFile), begin + recordSize);
+    return;
+  }
   VxLogger::factory()->vx_log(VX_LOG::kError, "%s: io stream write failed.", "queueFrame");
   resumeAt(divFile, begin, begin + recordSize);
+}
+
+void VxKPFPackedStream::closeDivFile() {
+  writeBehind_.finish();
+  if (divFile.is_open()) divFile.close();
 }
 
 }  // namespace VLM_KPF

@@ -37,7 +37,9 @@ std::uint64_t truncated(double value) {
 
 }  // namespace
 
-VxKPFPackedStream::VxKPFPackedStream() {
+VxKPFPackedStream::VxKPFPackedStream() : VxKPFPackedStream(PageCache::system()) {}
+
+VxKPFPackedStream::VxKPFPackedStream(PageCache& cache) : writeBehind_(cache) {
   VxLogger::factory()->loggerUseStdout(true);
   VxLogger::factory()->loggerUseSyslog(true);
 }
@@ -87,7 +89,7 @@ unsigned VxKPFPackedStream::closeStream() {
     if (!allWritten && streamStatus == STREAM_WRITING) streamStatus = STREAM_INCOMPLETE;
     writeStatusFile();
   }
-  if (divFile.is_open()) divFile.close();
+  closeDivFile();
   return streamStatus = STREAM_CLOSED;
 }
 

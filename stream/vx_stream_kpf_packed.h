@@ -10,6 +10,7 @@
 
 #include "format/kpf_fixed.h"
 #include "packed/vx_kpf_packed.h"
+#include "stream/write_behind.h"
 #include "vlm_configuration.h"
 #include "vlm_results.h"
 
@@ -32,6 +33,8 @@ class VxKPFPackedStream {
 
   /// Switches the logger's standard-output and syslog flags on, whatever they were.
   VxKPFPackedStream();
+  /// The same, with advice about the data files' pages given to `cache`, which must outlive it.
+  explicit VxKPFPackedStream(PageCache& cache);
   /// Closes the stream when nobody has: one cut short still leaves its status file.
   ~VxKPFPackedStream();
   VxKPFPackedStream(const VxKPFPackedStream&) = delete;
@@ -119,6 +122,9 @@ class VxKPFPackedStream {
   std::filesystem::path divFileName(unsigned number) const;
   void switchDivFile();
   void writeRecord(const VX_KPF_PACKED::VxKPFPacked& frame);
+  void closeDivFile();
+
+  WriteBehind writeBehind_;
 };
 
 }  // namespace VLM_KPF

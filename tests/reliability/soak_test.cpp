@@ -6,6 +6,9 @@
 #include <vector>
 
 #include "tests/support/library_test.h"
+#ifdef __linux__
+#include "tests/support/cached_pages.h"
+#endif
 #include "vlm_internal.h"
 
 namespace {
@@ -47,6 +50,24 @@ TEST_F(Soak, HundredThousandSmallFrames) {
   EXPECT_LT(resident(), early + vxGetPackedSize(64, 64, 12) + 65536);
   EXPECT_EQ(sizeOf("0001"), 100000ULL * (16 + 6144));
 }
+
+#ifdef __linux__
+// However long it gets, a recording takes no more of the page cache than its last window.
+TEST_F(Soak, PageCacheStaysFlatOverFiveGigabytes) {
+  if (!TEST_SUPPORT::givesPagesBack(folder.path())) {
+    GTEST_SKIP() << "the temporary folder lies on a file system that keeps its pages";
+  }
+  const unsigned frames = 5120;  // records of 1 MiB and 16 bytes: 2047 a file
+  const unsigned stream = create(1024, 1024, 8, frames);
+  const std::vector<unsigned char> image(1024 * 1024, 7);
+  for (unsigned n = 1; n <= frames; ++n) {
+    ASSERT_EQ(vxAddTiffImageData(stream, image.data()), n == frames ? 4 : 3);
+    if (n % 512 == 0) {
+      EXPECT_LE(TEST_SUPPORT::cachedBytesBelow(folder.path()), 64U << 20) << n << " MiB";
+    }
+  }
+}
+#endif
 
 TEST_F(Soak, TwoFullDataFilesAndMore) {
   // Records of 8,388,624 bytes: 255 a file, 2,139,099,120 bytes each.

@@ -1,0 +1,48 @@
+// The pages in which the operating system holds what a file was given, as far as a writer may
+// advise about them.
+#ifndef PAGE_CACHE_H
+#define PAGE_CACHE_H
+
+#include <cstdint>
+
+namespace VLM_KPF {
+
+/// Bytes of a file, from the first to the one before `end`.
+struct ByteRange {
+  std::uint64_t begin = 0;
+  std::uint64_t end = 0;
+
+  std::uint64_t size() const { return end - begin; }
+  bool operator==(const ByteRange&) const = default;
+};
+
+/**
+ * What a writer asks of the operating system beyond taking its bytes. All of it is advice: where it
+ * fails, or where a system or file system does not know it, nothing is told and nothing is lost.
+ *
+ * Files go by descriptors. Tests put a double in the system's place.
+ */
+class PageCache {
+ public:
+  /// Begins to bring the bytes to the device, without waiting for them.
+  virtual void startWriting(int file, ByteRange bytes) noexcept = 0;
+
+  /// Waits until the bytes are with the device, then gives back the pages that hold them.
+  virtual void dropWritten(int file, ByteRange bytes) noexcept = 0;
+
+  /// One more descriptor of an open file, which child processes do not inherit; -1: there is none.
+  virtual int keepOpen(int file) noexcept = 0;
+
+  /// Closes what keepOpen gave.
+  virtual void release(int file) noexcept = 0;
+
+  /// That of this system. Never destroyed: a writer may close itself while the process ends.
+  static PageCache& system();
+
+ protected:
+  ~PageCache() = default;
+};
+
+}  // namespace VLM_KPF
+
+#endif
