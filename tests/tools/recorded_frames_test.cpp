@@ -22,7 +22,7 @@ using Bytes = std::vector<unsigned char>;
 class RecordedFrames : public testing::Test {
  protected:
   std::string record(int bits, const std::vector<Bytes>& images) {
-    const std::string name = folder_ / ("clip" + std::to_string(bits) + ".kpf");
+    std::string name = folder_ / ("clip" + std::to_string(bits) + ".kpf");
     VLM_INTERNAL::VXP_STREAM_CONFIGURATION configuration;
     configuration.width = 4;
     configuration.height = 2;

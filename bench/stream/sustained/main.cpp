@@ -46,24 +46,25 @@ Options parse(int argc, char** argv) {
   if (argc % 2 == 0) throw std::invalid_argument("every option takes a value");
   Options options;
   for (const auto& [name, value] : given) {
-    if (name == "--gigabytes")
+    if (name == "--gigabytes") {
       options.gigabytes = std::stod(value);
-    else if (name == "--rate")
+    } else if (name == "--rate") {
       options.rate = std::stod(value) * 1e6;
-    else if (name == "--turns")
+    } else if (name == "--turns") {
       options.turns = static_cast<unsigned>(std::stoul(value));
-    else if (name == "--only")
+    } else if (name == "--only") {
       options.only = "," + value + ",";
-    else if (name == "--threads")
+    } else if (name == "--threads") {
       options.threads = std::stoi(value);
-    else if (name == "--picture")
+    } else if (name == "--picture") {
       options.picture = value;
-    else if (name == "--trace")
+    } else if (name == "--trace") {
       options.trace = static_cast<unsigned>(std::stoul(value));
-    else if (name == "--small")
+    } else if (name == "--small") {
       options.small = value != "0";
-    else
+    } else {
       throw std::invalid_argument("no such option: " + name);
+    }
   }
   if (!(options.gigabytes > 0)) throw std::invalid_argument("--gigabytes: more than 0");
   return options;
