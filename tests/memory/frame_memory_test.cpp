@@ -59,6 +59,7 @@ TEST(FrameMemory, ThreadsAreNeverHandedOneBlock) {
   constexpr std::size_t kSize = 128 << 10;  // the smallest that is handed on
   std::atomic<int> strange{0};
   std::vector<std::thread> threads;
+  threads.reserve(kThreads);
   for (int i = 0; i < kThreads; ++i) {
     threads.emplace_back([&strange, own = static_cast<unsigned char>(i + 1)] {
       for (int round = 0; round < kRounds; ++round) {

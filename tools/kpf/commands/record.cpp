@@ -44,7 +44,7 @@ struct RecordOptions {
 
 /// What can be found wrong before the input is opened. @return the header file's path.
 std::string checkedHeader(const RecordOptions& options) {
-  const std::string header = headerPath(options.output);
+  std::string header = headerPath(options.output);
   parseStartTime(options.start);
   if (!options.force) clearTarget(header, false);
   return header;

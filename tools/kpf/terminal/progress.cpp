@@ -23,7 +23,7 @@ std::string progressText(std::uint64_t done, std::uint64_t total, const std::str
   const double rate = static_cast<double>(done) / seconds;
   const std::string speed = fmt::format("{:.0f} {}/s", rate, unit);
   if (total < done) return fmt::format("{} {}, {}", done, unit, speed);
-  const std::string text = fmt::format("{} of {} {}, {}", done, total, unit, speed);
+  std::string text = fmt::format("{} of {} {}, {}", done, total, unit, speed);
   // Where nothing is done yet, nobody knows how long the rest takes.
   if (done == 0) return text;
   return text + fmt::format(", {} left", clockText(static_cast<double>(total - done) / rate));
