@@ -38,14 +38,18 @@ class ScriptedSource : public FrameSource {
     }
   }
   void skip(std::uint64_t) override {}
+  bool isDamaged() const override { return given_ == damagedAt_; }
 
   std::size_t given() const { return given_; }
   void failAt(std::size_t frame) { failsAt_ = frame; }
+  /// @param frame counted from 1.
+  void damage(std::size_t frame) { damagedAt_ = frame; }
 
  private:
   std::vector<std::optional<double>> times_;
   std::size_t given_ = 0;
   std::size_t failsAt_ = 1000000;
+  std::size_t damagedAt_ = 0;
 };
 
 /// Writes down what it is given: a digit for a frame, '-' for a placeholder.
@@ -64,11 +68,13 @@ class ListeningStream : public RecordStream {
 class RecorderTest : public testing::Test {
  protected:
   void record(ScriptedSource& source, std::uint64_t frames, bool fillGaps = true) {
+    ASSERT_TRUE(source.next());
     Recorder recorder(source, stream_, frames, Timeline(fillGaps, 10));
     recorder.run([this] { return stream_.records.size() >= stopAt_; },
                  [this](std::uint64_t written) { progress_.push_back(written); });
     written_ = recorder.written();
     placeholders_ = recorder.placeholders();
+    damaged_ = recorder.damaged();
   }
 
   ListeningStream stream_;
@@ -76,6 +82,7 @@ class RecorderTest : public testing::Test {
   std::vector<std::uint64_t> progress_;
   std::uint64_t written_ = 0;
   std::uint64_t placeholders_ = 0;
+  std::uint64_t damaged_ = 0;
 };
 
 TEST_F(RecorderTest, EveryFrameBecomesARecord) {
@@ -146,17 +153,36 @@ TEST_F(RecorderTest, StopsBetweenTwoFrames) {
   EXPECT_EQ(source.given(), 2U);
 }
 
-TEST_F(RecorderTest, NothingIsReadAfterAWishToStop) {
+TEST_F(RecorderTest, NothingIsRecordedAfterAWishToStop) {
   ScriptedSource source({0.0});
   stopAt_ = 0;
   record(source, 1);
   EXPECT_EQ(stream_.records, "");
-  EXPECT_EQ(source.given(), 0U);
+  EXPECT_EQ(source.given(), 1U);
+}
+
+TEST_F(RecorderTest, AWishToStopEndsALongGap) {
+  ScriptedSource source({0.0, 1e9});
+  stopAt_ = 5;
+  record(source, 1000000000);
+  EXPECT_EQ(stream_.records, "1----");
+  EXPECT_EQ(written_, 5U);
+}
+
+TEST_F(RecorderTest, DamagedFramesKeepTheirPlaces) {
+  ScriptedSource source({0.0, 0.1, 0.3, 0.4});
+  source.damage(3);
+  record(source, 9);
+  EXPECT_EQ(stream_.records, "12--4");
+  EXPECT_EQ(placeholders_, 2U);
+  EXPECT_EQ(damaged_, 1U);
+  EXPECT_EQ(written_, 5U);
 }
 
 TEST_F(RecorderTest, WhatWasWrittenBeforeAnErrorIsCounted) {
   ScriptedSource source({0.0, 0.1, 0.2});
   source.failAt(2);
+  ASSERT_TRUE(source.next());
   Recorder recorder(source, stream_, 3, Timeline(false, 10));
   EXPECT_THROW(recorder.run([] { return false; }, [](std::uint64_t) {}), std::runtime_error);
   EXPECT_EQ(recorder.written(), 2U);

@@ -81,11 +81,27 @@ class Record(VideoTest):
         self.assertEqual(out, "./out.kpf: 2 frames recorded, 0 placeholders\n")
         self.assertEqual(len(self.read("out/out_0001.div")), 80)
 
-    def test_input_that_ends_early(self):
-        code, out, err = self.kpf("record", "eight.y4m", "out.kpf", "--frames", "9")
-        self.assertEqual((code, out), (1, ""))
-        self.assertIn("./out.kpf: 5 of 9 frames are on disk: the input ended early\n", err)
-        self.assertTrue(os.path.exists(self.path("out.kpf.incomplete.txt")))
+    def announced(self, name="out.kpf"):
+        return struct.unpack_from("<I", self.read(name), 468)[0]
+
+    def check_complete(self, frames):
+        self.assertEqual(self.announced(), frames)
+        self.assertFalse(os.path.exists(self.path("out.kpf.incomplete.txt")))
+        code, _, err = self.kpf("verify", "out.kpf")
+        self.assertEqual((code, err), (0, ""))
+
+    def test_more_frames_than_there_are(self):
+        out = self.record("eight.y4m", "out.kpf", "--frames", "9")
+        self.assertEqual(out, "./out.kpf: 5 frames recorded, 0 placeholders\n")
+        self.check_complete(5)
+
+    def test_duration(self):
+        for duration, frames in (("0.08", 2), ("0.1", 3), ("0.001", 1), ("60", 5)):
+            self.record("eight.y4m", "out.kpf", "--duration", duration, "--force")
+            self.check_complete(frames)
+        self.record("eight.y4m", "out.kpf", "--duration", "0.12", "--frames", "2", "--force")
+        self.check_complete(2)
+        self.refused("--duration", "eight.y4m", "out.kpf", "--duration", "0", "--force")
 
     def test_standard_input(self):
         done = subprocess.run([KPF, "record", "-", "out.kpf", "--frames", "5", *self.start],
@@ -94,15 +110,17 @@ class Record(VideoTest):
         self.assertEqual((done.returncode, done.stderr), (0, b""))
         self.assertEqual(len(self.read("out/out_0001.div")), 200)
 
-    def test_standard_input_needs_a_number_of_frames(self):
+    def test_standard_input_ends_by_itself(self):
         done = subprocess.run([KPF, "record", "-", "out.kpf"], cwd=self.folder,
                               input=self.read("eight.y4m"), capture_output=True, timeout=60,
                               check=False)
-        self.assertEqual(done.returncode, 2)
-        self.assertIn(b"--frames", done.stderr)
+        self.assertEqual((done.returncode, done.stderr), (0, b""))
+        self.check_complete(5)
 
-    def test_interrupt_closes_properly(self):
-        with subprocess.Popen([KPF, "record", "-", "out.kpf", "--frames", "100", *self.start],
+    @contextlib.contextmanager
+    def recording(self, *arguments):
+        """A recording of a pipe that has begun, and waits for more."""
+        with subprocess.Popen([KPF, "record", "-", "out.kpf", *arguments, *self.start],
                               cwd=self.folder, stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                               stderr=subprocess.PIPE) as process:
             frame = b"FRAME\n" + bytes(64 * 64)
@@ -110,12 +128,26 @@ class Record(VideoTest):
             process.stdin.flush()
             while not os.path.exists(self.path("out/out_0001.div")):
                 self.assertIsNone(process.poll())
-            process.send_signal(signal.SIGINT)
-            out, err = process.communicate(timeout=60)
-        self.assertEqual((process.returncode, out), (1, b""))
-        self.assertIn(b"interrupted", err)
-        self.assertTrue(os.path.exists(self.path("out.kpf.incomplete.txt")))
-        self.assertEqual(os.path.getsize(self.path("out/out_0001.div")) % (16 + 64 * 64), 0)
+            yield process
+
+    def test_interrupt_ends_a_complete_recording(self):
+        for limit in ((), ("--frames", "100")):
+            with self.recording("--force", *limit) as process:
+                process.send_signal(signal.SIGINT)
+                out, err = process.communicate(timeout=60)
+            self.assertEqual((process.returncode, err), (0, b""))
+            self.assertRegex(out, rb"out.kpf: \d+ frames? recorded, 0 placeholders\n")
+            size = os.path.getsize(self.path("out/out_0001.div"))
+            self.assertEqual(size % (16 + 64 * 64), 0)
+            self.check_complete(size // (16 + 64 * 64))
+            shutil.rmtree(self.path("out"))
+
+    def test_killed_recording_lacks_frames(self):
+        with self.recording() as process:
+            process.kill()
+            process.communicate(timeout=60)
+        self.assertEqual(self.announced(), 0xFFFFFFFF)
+        self.assertEqual(self.kpf("verify", "out.kpf")[0], 1)
 
     def test_another_recording_is_not_overwritten(self):
         before = self.read("clip/clip_0001.div")
@@ -225,11 +257,10 @@ class Record(VideoTest):
             self.assertIsNone(terminal.process.poll(), terminal.shown)
             terminal.feed(frame)
         code, out, shown = terminal.end()
-        self.assertEqual((code, out), (1, b""))
+        self.assertEqual(code, 0)
+        self.assertRegex(out, rb"^./out.kpf: \d+ frames recorded, 0 placeholders\n$")
         self.assertRegex(shown, rb"^\r\x1b\[K\d+ of 100000 frames, \d+ frames/s, \d+:\d\d left")
-        # The line is wiped before others are written below it.
-        self.assertRegex(shown, rb"left\r\x1b\[K[^\r]+\r\n")
-        self.assertRegex(shown, rb"\nkpf: ./out.kpf: \d+ of 100000 frames are on disk")
+        self.assertRegex(shown, rb"left\r\x1b\[K$")  # wiped in the end
 
     def test_quiet_says_nothing(self):
         self.assertEqual(self.kpf("record", "eight.y4m", "out.kpf", "--quiet"), (0, "", ""))

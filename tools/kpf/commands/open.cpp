@@ -14,6 +14,4 @@ std::unique_ptr<PictureOutput> openOutput(const std::string& name, const Picture
   return name == "-" ? openRawOutput(format) : openEncodedOutput(name, format);
 }
 
-bool playsOnce(const std::string& name) { return name == "-" || name.starts_with("/dev/"); }
-
 }  // namespace KPF_TOOL

@@ -18,10 +18,6 @@ std::unique_ptr<FrameSource> openFrames(const std::string& name, Samples samples
 /// @throws ToolError.
 std::unique_ptr<PictureOutput> openOutput(const std::string& name, const PictureFormat& format);
 
-/// Whether frames are gone once they are read: those of cameras and pipes cannot be counted
-/// beforehand.
-bool playsOnce(const std::string& name);
-
 }  // namespace KPF_TOOL
 
 #endif

@@ -1,11 +1,13 @@
 // kpf record: a video becomes a recording.
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <limits>
 #include <memory>
+#include <regex>
 #include <string>
 
 #include "kpf_reader.h"
@@ -26,13 +28,18 @@
 namespace KPF_TOOL {
 namespace {
 
+// Announced where nobody knows the number, and set right in the end: a recorder that is killed on
+// the way leaves a recording that lacks frames, which is what it is.
+constexpr unsigned kMostFrames = LibraryStream::kFramesUnknown;
 constexpr unsigned kLongestSide = 0xFFFF;  // pixels; the header has 16 bits for each side
 
 struct RecordOptions {
   std::string input;         // whatever FFmpeg opens; "-" standard input
   std::string output;        // header file
   int bits = 8;              // 8 or 12
-  std::uint64_t frames = 0;  // 0: as many as the input holds
+  std::string raw;           // "640x480:gray8": the input is nothing but frames
+  std::uint64_t frames = 0;  // at most; 0: as many as the input holds
+  double duration = 0;       // in seconds, at most; 0: as long as the input lasts
   double rate = 0;           // frames per second; 0: the input's
   std::string start;         // of the first frame; empty: now
   std::string text;          // text5
@@ -50,8 +57,25 @@ std::string checkedHeader(const RecordOptions& options) {
   return header;
 }
 
-std::unique_ptr<FrameSource> openInput(const RecordOptions& options) {
-  auto input = openMedia(options.input, options.bits == 8 ? Samples::k8Bit : Samples::k16Bit);
+/// What --raw says. @throws ToolError where it says it otherwise.
+MediaHints hintsOf(const RecordOptions& options) {
+  MediaHints hints;
+  hints.rate = options.rate;
+  if (options.raw.empty()) return hints;
+  static const std::regex form(R"(([1-9]\d{0,4}x[1-9]\d{0,4}):gray(8|12le|16le))");
+  std::smatch match;
+  if (!std::regex_match(options.raw, match, form)) {
+    throw ToolError(Outcome::kWrongUsage, fmt::format("{} is no frame", quoted(options.raw)),
+                    "Write --raw like 640x480:gray8, :gray12le or :gray16le.");
+  }
+  hints.rawSize = match[1].str();
+  hints.rawFormat = match[2].str() == "8" ? "gray" : "gray" + match[2].str();
+  return hints;
+}
+
+std::unique_ptr<FrameSource> openInput(const RecordOptions& options, const MediaHints& hints) {
+  auto input =
+      openMedia(options.input, options.bits == 8 ? Samples::k8Bit : Samples::k16Bit, hints);
   if (input->width() > kLongestSide || input->height() > kLongestSide) {
     throw ToolError(Outcome::kWrongUsage, "frames of more than 65535 rows or columns do not fit",
                     "Make the video smaller.");
@@ -71,30 +95,23 @@ double rateOf(const FrameSource& input, const RecordOptions& options) {
     fmt::print(stderr, "kpf: {:g} frames/s are recorded as {:g}: the format holds whole rates\n",
                rate, whole);
   }
+  if (options.rate == 0 && !options.quiet && tellsNoRate(options.input, hintsOf(options))) {
+    fmt::print(stderr, "kpf: {} tells no frame rate: {:g} is taken, --rate chooses\n",
+               escaped(options.input), whole);
+  }
   return whole;
 }
 
-/// Decodes the whole input once: containers do not tell reliably how many frames they hold.
-std::uint64_t countFrames(const RecordOptions& options, double rate) {
-  const auto input = openMedia(options.input, Samples::k8Bit);
-  Timeline timeline(options.fillGaps, rate);
-  std::uint64_t count = 0;
-  while (!Interrupt::requested() && input->next()) count = timeline.placeOf(input->time()) + 1;
-  return count;
-}
+bool isLimited(const RecordOptions& options) { return options.frames > 0 || options.duration > 0; }
 
-/// The number to announce. @throws ToolError when it cannot be known.
-std::uint64_t framesWanted(const RecordOptions& options, double rate) {
-  if (options.frames > 0) return options.frames;
-  if (playsOnce(options.input)) {
-    throw ToolError(Outcome::kWrongUsage,
-                    "the frames of a camera or a pipe cannot be counted beforehand",
-                    "Give their number with --frames.");
+/// The frames after which to stop.
+std::uint64_t limitOf(const RecordOptions& options, double rate) {
+  double limit = kMostFrames;
+  if (options.frames > 0) limit = std::min(limit, static_cast<double>(options.frames));
+  if (options.duration > 0) {
+    limit = std::min(limit, std::max(1.0, std::round(options.duration * rate)));
   }
-  const std::uint64_t count = countFrames(options, rate);
-  if (count > 0) return count;
-  throw ToolError(Outcome::kUnreadableInput, fmt::format("{} holds no frames", options.input),
-                  "Give a video that can be decoded.");
+  return static_cast<std::uint64_t>(limit);
 }
 
 VLM_INTERNAL::VXP_STREAM_CONFIGURATION configurationFor(const FrameSource& input,
@@ -120,62 +137,97 @@ std::uint64_t recordsOnDisk(const std::string& header) {
   return recording.recordCount();
 }
 
-/// Prints the last line. @param complaints whether the library logged anything.
-Outcome conclude(const Recorder& recorder, std::uint64_t frames, const std::string& header,
-                 bool complaints, const RecordOptions& options) {
-  const std::uint64_t onDisk = recordsOnDisk(header);
-  if (onDisk == frames && !complaints) {
-    if (!options.quiet) {
-      fmt::print("{}: {} recorded, {}\n", escaped(header), countText(frames, "frame"),
-                 countText(recorder.placeholders(), "placeholder"));
-    }
-    return Outcome::kDone;
+/// What is wrong with the input although all that it gave is on disk; empty when nothing is.
+std::string lossesOf(const std::string& trouble, const Recorder& recorder) {
+  std::string losses = trouble.empty() ? "" : ": " + trouble;
+  if (recorder.damaged() > 0) {
+    losses = fmt::format(", {} of them placeholders for what is damaged in the input",
+                         recorder.damaged()) +
+             losses;
   }
-  const char* why = "the input ended early";
-  if (complaints) why = "the files could not be written, is the disk full?";
-  if (Interrupt::requested()) why = "interrupted";
-  fmt::print(stderr, "kpf: {}: {} of {} are on disk: {}\n", escaped(header), onDisk,
-             countText(frames, "frame"), why);
+  return losses;
+}
+
+Outcome writeFailed(const std::string& header, const Recorder& recorder) {
+  fmt::print(stderr, "kpf: {}: {} of {} are on disk: the files could not be written, {}\n",
+             escaped(header), recordsOnDisk(header), countText(recorder.written(), "frame"),
+             "is the disk full?");
   fmt::print(stderr, "What is there can be read; kpf verify tells what is missing.\n");
-  return complaints ? Outcome::kWriteFailed : Outcome::kCutShort;
+  return Outcome::kWriteFailed;
+}
+
+/// Prints the last line. @param trouble why the input ended before its end.
+Outcome conclude(const Recorder& recorder, const std::string& header, const std::string& trouble,
+                 const RecordOptions& options) {
+  const std::string losses = lossesOf(trouble, recorder);
+  const std::string frames = countText(recorder.written(), "frame");
+  if (!losses.empty()) {
+    fmt::print(stderr, "kpf: {}: {} recorded{}\n", escaped(header), frames, losses);
+    return trouble.empty() ? Outcome::kProblemsFound : Outcome::kCutShort;
+  }
+  if (!options.quiet) {
+    fmt::print("{}: {} recorded, {}\n", escaped(header), frames,
+               countText(recorder.placeholders(), "placeholder"));
+  }
+  return Outcome::kDone;
+}
+
+/// Runs the loop. @return why the input ended before its end; empty where it did not.
+std::string runLoop(Recorder& recorder, const FrameSource& input, const CapturedOutput& captured,
+                    std::uint64_t total, bool quiet) {
+  Progress progress(quiet, total);
+  try {
+    recorder.run([&captured] { return Interrupt::requested() || captured.any(); },
+                 [&progress](std::uint64_t written) { progress.show(written); });
+  } catch (const ToolError& error) {  // what was recorded so far is closed in good order
+    return fmt::format("{}; {}", error.what(), error.advice());
+  }
+  return input.trouble();
 }
 
 /// Records into files that are known to be free. @throws ToolError when they cannot be begun.
 Outcome recordInto(const std::string& header, FrameSource& input, const RecordOptions& options,
-                   double rate, std::uint64_t frames) {
+                   double rate, std::uint64_t limit) {
   CapturedOutput captured;
-  LibraryStream stream(header, configurationFor(input, options, rate, frames));
+  LibraryStream stream(header, configurationFor(input, options, rate, limit));
   if (!stream.isOpen()) {
     captured.release();
     throw ToolError(Outcome::kRefused, fmt::format("cannot begin {}", escaped(header)),
                     "See the lines above.");
   }
-  Recorder recorder(input, stream, frames, Timeline(options.fillGaps, rate));
-  {
-    Progress progress(options.quiet, frames);
-    recorder.run([&captured] { return Interrupt::requested() || captured.any(); },
-                 [&progress](std::uint64_t written) { progress.show(written); });
-  }
-  // Closing writes the status file; what it logs about that is passed on, but is no lost frame.
+  Recorder recorder(input, stream, limit, Timeline(options.fillGaps, rate));
+  const std::string trouble =
+      runLoop(recorder, input, captured, isLimited(options) ? limit : 0, options.quiet);
   const bool complaints = captured.any();
   stream.close();
+  bool whole = !complaints && recordsOnDisk(header) == recorder.written();
+  whole = stream.announce(recorder.written(), whole) && whole;
+  // The library does not know that the smaller number was made true, and says so.
+  if (whole) captured.drop();
   captured.release();
-  return conclude(recorder, frames, header, complaints, options);
+  return whole ? conclude(recorder, header, trouble, options) : writeFailed(header, recorder);
 }
 
 Outcome runRecord(const RecordOptions& options) {
   const Interrupt interrupt;
+  const MediaHints hints = hintsOf(options);
   const std::string header = checkedHeader(options);
-  const auto input = openInput(options);
+  const auto input = openInput(options, hints);
   const double rate = rateOf(*input, options);
-  const std::uint64_t frames = framesWanted(options, rate);
+  const std::uint64_t limit = limitOf(options, rate);
+  if (!input->next()) {
+    if (Interrupt::requested()) return Outcome::kCutShort;
+    throw ToolError(Outcome::kUnreadableInput,
+                    fmt::format("{} holds no frames", escaped(options.input)),
+                    "Give a video that can be decoded.");
+  }
   if (Interrupt::requested()) return Outcome::kCutShort;
   // Only now: an input that cannot be read costs nobody an older recording.
   clearTarget(header, options.force);
   const std::uint64_t recordSize =
       vxGetPackedSize(input->width(), input->height(), static_cast<unsigned>(options.bits));
-  checkRoom(header, frames * recordSize);
-  return recordInto(header, *input, options, rate, frames);
+  checkRoom(header, isLimited(options) ? limit * recordSize : recordSize);
+  return recordInto(header, *input, options, rate, limit);
 }
 
 }  // namespace
@@ -189,8 +241,12 @@ void addRecord(CLI::App& app, Job& job) {
   line.add_option("--bits", options.bits, "bits a pixel: 8 or 12")
       ->check(CLI::IsMember({8, 12}))
       ->capture_default_str();
-  line.add_option("--frames", options.frames, "frames to record; needed for cameras and -")
+  line.add_option("--raw", options.raw,
+                  "the input is bare frames: WIDTHxHEIGHT:gray8, :gray12le or :gray16le");
+  line.add_option("--frames", options.frames, "frames to record at most")
       ->check(CLI::Range(1U, 0xFFFFFFFFU));
+  line.add_option("--duration", options.duration, "seconds to record at most")
+      ->check(CLI::PositiveNumber);
   line.add_option("--rate", options.rate, "frames per second instead of the input's")
       ->check(CLI::PositiveNumber);
   line.add_option("--start", options.start, "time of the first frame: 2026-11-21T05:00:00Z");
@@ -201,8 +257,8 @@ void addRecord(CLI::App& app, Job& job) {
   line.add_flag("--force", options.force, "replace another recording");
   line.add_flag("--quiet", options.quiet, "no progress, no summary");
   addFooter(line, "kpf record street.avi clip.kpf --bits 12",
-            {"every frame is on disk",
-             "cut short: interrupted, the input ended early, or the disk is full", kNotBegunText});
+            {"every frame is on disk, up to the end, the limit or Ctrl-C",
+             "the input is damaged or ended early, or the disk is full", kNotBegunText});
 }
 
 }  // namespace KPF_TOOL

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string>
 
 #include "tools/kpf/frames/samples.h"
 
@@ -27,6 +28,13 @@ class FrameSource {
 
   /// Goes on to the next frame, the first one at first; false at the end.
   virtual bool next() = 0;
+
+  /// Whether the present frame is not what its recorder or encoder saw: some of it was made up, or
+  /// all of it.
+  virtual bool isDamaged() const { return false; }
+
+  /// At the end: why it came before that of the input, where it did.
+  virtual std::string trouble() const { return {}; }
 
   /// When the present frame is shown, in seconds from wherever the source counts; nothing where it
   /// does not say.

@@ -13,16 +13,28 @@
 
 namespace KPF_TOOL {
 
+/// What an input cannot tell of itself.
+struct MediaHints {
+  double rate = 0;        // frames per second of images and bare frames; 0: 25
+  std::string rawSize;    // "640x480": there is no container, only frames
+  std::string rawFormat;  // their pixels, in FFmpeg's words
+};
+
+/// Whether frames come without times, so that somebody must say their rate.
+bool tellsNoRate(const std::string& name, const MediaHints& hints);
+
 /**
  * Opens the first video stream of an input.
  *
  * Grey sources are taken as they are: shifted to the left where they have more than 8 bits, cut to
- * their upper bits where fewer are wanted. Colour is turned into grey of the full range.
+ * their upper bits where fewer are wanted. Colour is turned into grey of the full range. A frame
+ * that is damaged keeps its place, see FrameSource::isDamaged.
  *
  * @param name a path, an image pattern like `frame_%04d.png`, `/dev/video0`, or `-`.
  * @throws ToolError when nothing there is a video, and while frames are decoded.
  */
-std::unique_ptr<FrameSource> openMedia(const std::string& name, Samples samples);
+std::unique_ptr<FrameSource> openMedia(const std::string& name, Samples samples,
+                                       const MediaHints& hints = {});
 
 /**
  * Opens a file that the extension of its name tells how to encode.

@@ -10,7 +10,9 @@
 
 namespace KPF_TOOL {
 
-std::unique_ptr<FrameSource> openMedia(const std::string& name, Samples) {
+bool tellsNoRate(const std::string&, const MediaHints&) { return false; }
+
+std::unique_ptr<FrameSource> openMedia(const std::string& name, Samples, const MediaHints&) {
   throw ToolError(Outcome::kWrongUsage,
                   fmt::format("cannot open {}: this kpf is built without FFmpeg", escaped(name)),
                   "Give a recording (.kpf), or use a kpf with FFmpeg for videos and images.");

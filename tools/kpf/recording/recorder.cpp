@@ -1,6 +1,10 @@
 #include "tools/kpf/recording/recorder.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
+
+#include "format/kpf_status.h"
 
 namespace KPF_TOOL {
 namespace {
@@ -11,7 +15,7 @@ constexpr std::size_t kRowAlignment = 4;  // bytes; the library takes rows padde
 
 LibraryStream::LibraryStream(const std::string& name,
                              const VLM_INTERNAL::VXP_STREAM_CONFIGURATION& configuration)
-    : handle_(vxCreatePackStreamer(name, configuration)) {}
+    : name_(name), handle_(vxCreatePackStreamer(name, configuration)) {}
 
 // What goes wrong the library logs, see CapturedOutput; the results of these calls say less.
 void LibraryStream::addImage(const unsigned char* image) { vxAddTiffImageData(handle_, image); }
@@ -21,6 +25,13 @@ void LibraryStream::addPlaceholder() { vxAddPlaceholder(handle_); }
 void LibraryStream::close() {
   if (handle_ != 0) vxClosePackStreamer(handle_);
   handle_ = 0;
+}
+
+bool LibraryStream::announce(std::uint64_t frames, bool whole) const {
+  if (!KPF_FORMAT::writeFrameCount(name_, static_cast<std::uint32_t>(frames))) return false;
+  std::error_code notThere;
+  if (whole) std::filesystem::remove(KPF_FORMAT::statusFileName(name_), notThere);
+  return true;
 }
 
 Recorder::Recorder(FrameSource& input, RecordStream& stream, std::uint64_t frames,
@@ -34,18 +45,33 @@ Recorder::Recorder(FrameSource& input, RecordStream& stream, std::uint64_t frame
 
 void Recorder::run(const std::function<bool()>& stop,
                    const std::function<void(std::uint64_t)>& progress) {
-  while (written_ < frames_ && !stop() && input_.next()) {
-    fillUpTo(timeline_.placeOf(input_.time()));
-    if (written_ == frames_) break;
-    input_.copyTo(image_.data(), stride_);
-    stream_.addImage(image_.data());
-    progress(++written_);
+  while (!stop()) {
+    fillUpTo(timeline_.placeOf(input_.time()), stop);
+    if (written_ == frames_ || stop()) break;
+    addFrame();
+    progress(written_);
+    if (written_ == frames_ || stop() || !input_.next()) break;
   }
 }
 
+/// A frame that is not what the camera saw is worse than none.
+void Recorder::addFrame() {
+  ++written_;
+  if (input_.isDamaged()) {
+    ++damaged_;
+    ++placeholders_;
+    stream_.addPlaceholder();
+    return;
+  }
+  input_.copyTo(image_.data(), stride_);
+  stream_.addImage(image_.data());
+}
+
 /// A gap that reaches beyond the last frame fills the stream.
-void Recorder::fillUpTo(std::uint64_t place) {
-  for (; written_ < std::min(place, frames_); ++written_, ++placeholders_) stream_.addPlaceholder();
+void Recorder::fillUpTo(std::uint64_t place, const std::function<bool()>& stop) {
+  for (; written_ < std::min(place, frames_) && !stop(); ++written_, ++placeholders_) {
+    stream_.addPlaceholder();
+  }
 }
 
 }  // namespace KPF_TOOL

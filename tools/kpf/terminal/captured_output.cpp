@@ -28,6 +28,13 @@ bool CapturedOutput::any() const {
   return fstat(fileno(captured_), &status) == 0 && status.st_size > 0;
 }
 
+void CapturedOutput::drop() {
+  std::fflush(stdout);
+  std::rewind(captured_);
+  // What cannot be forgotten is told: more than is needed, but nothing wrong.
+  [[maybe_unused]] const int told = ftruncate(fileno(captured_), 0);
+}
+
 void CapturedOutput::release() {
   if (output_ < 0) return;
   std::fflush(stdout);

@@ -24,6 +24,8 @@ class CapturedOutput {
   bool any() const;
   /// Gives standard output back and passes what was written on to standard error.
   void release();
+  /// Forgets what was written, where it turned out to be no trouble.
+  void drop();
 
  private:
   std::FILE* captured_;

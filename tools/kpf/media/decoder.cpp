@@ -1,0 +1,114 @@
+#include "tools/kpf/media/decoder.h"
+
+#include <atomic>
+#include <cstdarg>
+#include <limits>
+#include <string_view>
+#include <utility>
+
+namespace KPF_TOOL {
+namespace {
+
+/// Lines of errors in FFmpeg's log, which nobody sees: they are told in the tool's own words.
+std::atomic<std::uint64_t> complaints;
+
+void countComplaint(void*, int level, const char* format, va_list) {
+  if (level > AV_LOG_ERROR) return;
+  // Many a camera's JPEG has an odd remark in front of a picture that is whole.
+  if (std::string_view(format).starts_with("unable to decode APP")) return;
+  ++complaints;
+}
+
+/// Formats with frames out of order have decoders that mend and mark; that of HEVC only logs.
+bool marksDamage(const AVCodec& codec) {
+  const AVCodecDescriptor* const descriptor = avcodec_descriptor_get(codec.id);
+  return descriptor != nullptr && (descriptor->props & AV_CODEC_PROP_REORDER) != 0 &&
+         codec.id != AV_CODEC_ID_HEVC;
+}
+
+std::int64_t firstKnown(std::int64_t shown, std::int64_t decoded) {
+  return shown != AV_NOPTS_VALUE ? shown : decoded;
+}
+
+}  // namespace
+
+Decoder::Decoder(const AVCodec& codec, const AVCodecParameters& parameters, NextPacket nextPacket)
+    : nextPacket_(std::move(nextPacket)),
+      codec_(avcodec_alloc_context3(&codec)),
+      packet_(av_packet_alloc()),
+      frame_(av_frame_alloc()),
+      marksDamage_(marksDamage(codec)) {
+  av_log_set_callback(countComplaint);
+  avcodec_parameters_to_context(codec_.get(), &parameters);
+  codec_->thread_count = 0;  // as many as there are cores
+  codec_->thread_type = FF_THREAD_SLICE;
+  codec_->err_recognition = AV_EF_CRCCHECK | AV_EF_BITSTREAM | AV_EF_BUFFER;
+  status_ = avcodec_open2(codec_.get(), &codec, nullptr);
+}
+
+bool Decoder::next() {
+  if (!waiting_) waiting_ = decode();
+  if (nextIsLost()) return damaged_ = true;
+  if (!waiting_) return false;
+  waiting_ = false;
+  time_ = frame_->best_effort_timestamp;
+  const bool spoilt = spoilt_.erase(firstKnown(frame_->pts, frame_->pkt_dts)) > 0;
+  damaged_ = spoilt || frame_->decode_error_flags != 0 || (frame_->flags & AV_FRAME_FLAG_CORRUPT);
+  return true;
+}
+
+/// A frame that never came out stands before the first one that is shown later.
+bool Decoder::nextIsLost() {
+  time_ = AV_NOPTS_VALUE;
+  if (untimed_ > 0) {
+    --untimed_;
+    return true;
+  }
+  const std::int64_t until = waiting_ ? firstKnown(frame_->pts, frame_->pkt_dts)
+                                      : std::numeric_limits<std::int64_t>::max();
+  if (spoilt_.empty() || *spoilt_.begin() >= until) return false;
+  time_ = *spoilt_.begin();
+  spoilt_.erase(spoilt_.begin());
+  return true;
+}
+
+bool Decoder::decode() {
+  for (;;) {
+    const std::uint64_t before = complaints;
+    const int result = avcodec_receive_frame(codec_.get(), frame_.get());
+    if (result == AVERROR_EOF) return false;
+    if (result == AVERROR(EAGAIN)) {
+      feed();
+      continue;
+    }
+    watch(result, before);
+    if (result == 0) return true;
+  }
+}
+
+void Decoder::feed() {
+  if (!nextPacket_(*packet_)) {
+    // After the last packet the decoder gives what it still holds back.
+    avcodec_send_packet(codec_.get(), nullptr);
+    return;
+  }
+  packetTime_ = firstKnown(packet_->pts, packet_->dts);
+  packetCounts_ = !(packet_->flags & AV_PKT_FLAG_DISCARD);
+  const bool torn = (packet_->flags & AV_PKT_FLAG_CORRUPT) != 0;
+  const std::uint64_t before = complaints;
+  const int result = avcodec_send_packet(codec_.get(), packet_.get());
+  av_packet_unref(packet_.get());
+  watch(torn ? AVERROR_INVALIDDATA : result, before);
+}
+
+void Decoder::watch(int result, std::uint64_t complaintsBefore) {
+  const bool complained = !marksDamage_ && complaints != complaintsBefore;
+  if (!packetCounts_ || (result >= 0 && !complained)) return;
+  if (packetTime_ != AV_NOPTS_VALUE) {
+    spoilt_.insert(packetTime_);
+  } else if (result < 0) {
+    ++untimed_;
+  }
+}
+
+}  // namespace KPF_TOOL

@@ -1,0 +1,176 @@
+#include "tools/kpf/media/media_file.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "tools/kpf/media/image_numbers.h"
+#include "tools/kpf/terminal/interrupt.h"
+#include "tools/kpf/terminal/text.h"
+#include "tools/kpf/terminal/tool_error.h"
+
+namespace KPF_TOOL {
+namespace {
+
+constexpr const char* kAdvice =
+    "Give a video file, an image pattern (frame_%04d.png), a camera (/dev/video0) or - .";
+constexpr const char* kPipeAdvice =
+    "MP4 and MOV cannot be piped, give the file itself; of bare frames say what they are by --raw.";
+
+// Frames by which a file may end before its own length: containers round, and count the last one
+// or do not.
+constexpr double kFramesOfDoubt = 2.5;
+
+#ifdef KPF_OPENS_CAMERAS
+const AVInputFormat* cameraFormat(const std::string&) {
+  avdevice_register_all();
+  return av_find_input_format("v4l2");
+}
+#else
+const AVInputFormat* cameraFormat(const std::string& name) {
+  throw ToolError(Outcome::kUnreadableInput,
+                  fmt::format("cannot open {}: this kpf was built without cameras", escaped(name)),
+                  "Install libavdevice-dev, and build it again.");
+}
+#endif
+
+bool isCamera(const std::string& name) { return name.starts_with("/dev/video"); }
+
+/// Options for FFmpeg, which takes out those that it knows.
+class Options {
+ public:
+  Options() = default;
+  ~Options() { av_dict_free(&options_); }
+  Options(const Options&) = delete;
+  Options& operator=(const Options&) = delete;
+  void set(const char* key, const std::string& value) {
+    av_dict_set(&options_, key, value.c_str(), 0);
+  }
+  AVDictionary** get() { return &options_; }
+
+ private:
+  AVDictionary* options_ = nullptr;
+};
+
+}  // namespace
+
+MediaFile::MediaFile(const std::string& name, const MediaHints& hints)
+    : name_(name), hints_(hints) {
+  open();
+  findVideo();
+}
+
+void MediaFile::open() {
+  av_log_set_level(AV_LOG_QUIET);  // what goes wrong is told in the tool's own words
+  Options options;
+  const AVInputFormat* kind = nullptr;
+  if (isCamera(name_)) {
+    kind = cameraFormat(name_);
+  } else if (!hints_.rawSize.empty()) {
+    kind = av_find_input_format("rawvideo");
+    options.set("video_size", hints_.rawSize);
+    options.set("pixel_format", hints_.rawFormat);
+  }
+  const auto numbers = imageNumbers(name_);
+  if (numbers && kind == nullptr) {
+    kind = av_find_input_format("image2");
+    options.set("start_number", std::to_string(numbers->first));
+    images_ = numbers->last - numbers->first + 1;
+  }
+  // Of what tells no rate itself; where there is one it stays.
+  if (hints_.rate > 0 && kind != nullptr && !isCamera(name_)) {
+    options.set("framerate", fmt::format("{:.6f}", hints_.rate));
+  }
+  AVFormatContext* format = avformat_alloc_context();
+  allow(*format);
+  // On failure it frees what it was given.
+  const int result = avformat_open_input(&format, name_.c_str(), kind, options.get());
+  if (result < 0) {
+    throw ToolError(Outcome::kUnreadableInput,
+                    fmt::format("cannot open {}: {}", escaped(name_), ffmpegError(result)),
+                    io_ && !(io_->seekable & AVIO_SEEKABLE_NORMAL) ? kPipeAdvice : kAdvice);
+  }
+  format_.reset(format);
+}
+
+/// Opens the one file here, so that FFmpeg need not be allowed to open any.
+void MediaFile::allow(AVFormatContext& format) {
+  // A wait for a camera or a pipe ends when the user wants to stop.
+  format.interrupt_callback.callback = [](void*) { return Interrupt::requested() ? 1 : 0; };
+  if (images_ > 0) {
+    format.protocol_whitelist = av_strdup("file");
+    return;
+  }
+  format.protocol_whitelist = av_strdup("none");
+  if (isCamera(name_)) return;
+  const std::string url = name_ == "-" ? "pipe:0" : "file:" + name_;
+  AVIOContext* io = nullptr;
+  const int result =
+      avio_open2(&io, url.c_str(), AVIO_FLAG_READ, &format.interrupt_callback, nullptr);
+  if (result < 0) {
+    AVFormatContext* unused = &format;
+    avformat_close_input(&unused);
+    throw ToolError(Outcome::kUnreadableInput,
+                    fmt::format("cannot open {}: {}", escaped(name_), ffmpegError(result)),
+                    kAdvice);
+  }
+  io_.reset(io);
+  format.pb = io;
+}
+
+void MediaFile::findVideo() {
+  if (avformat_find_stream_info(format_.get(), nullptr) >= 0) {
+    stream_ = av_find_best_stream(format_.get(), AVMEDIA_TYPE_VIDEO, -1, -1, &codec_, 0);
+  }
+  if (stream_ < 0 || codec_ == nullptr) {
+    throw ToolError(Outcome::kUnreadableInput, fmt::format("{} holds no video", escaped(name_)),
+                    kAdvice);
+  }
+  const AVRational rate = av_guess_frame_rate(format_.get(), format_->streams[stream_], nullptr);
+  if (rate.num > 0 && rate.den > 0) frameRate_ = av_q2d(rate);
+}
+
+bool MediaFile::read(AVPacket& packet) {
+  for (;;) {
+    const int result = av_read_frame(format_.get(), &packet);
+    if (result == AVERROR(EAGAIN)) continue;  // a device that has no frame yet
+    if (result < 0) {
+      noteEnd(result);
+      return false;
+    }
+    if (packet.stream_index == stream_) break;
+    av_packet_unref(&packet);
+  }
+  note(packet);
+  return true;
+}
+
+void MediaFile::note(const AVPacket& packet) {
+  ++packets_;
+  if (packet.pts == AV_NOPTS_VALUE) return;
+  const std::int64_t start = stream().start_time == AV_NOPTS_VALUE ? 0 : stream().start_time;
+  const double end = static_cast<double>(packet.pts + packet.duration - start);
+  end_ = std::max(end_, end * av_q2d(stream().time_base));
+}
+
+/// Not every end is one: the disk may fail, and a damaged container may lead nowhere.
+void MediaFile::noteEnd(int result) {
+  if (Interrupt::requested()) return;
+  // Many containers take a failing disk for the end of the file.
+  if (format_->pb != nullptr && format_->pb->error < 0) result = format_->pb->error;
+  if (images_ > packets_) {
+    trouble_ = fmt::format("{} has a gap: {} in a row, of numbers up to the {}th", escaped(name_),
+                           countText(packets_, "image"), images_);
+  } else if (result != AVERROR_EOF && images_ == 0) {
+    trouble_ =
+        fmt::format("{} cannot be read any further: {}", escaped(name_), ffmpegError(result));
+  } else if (format_->nb_streams == 1 && format_->duration > 0 && frameRate_ > 0 &&
+             format_->duration_estimation_method == AVFMT_DURATION_FROM_STREAM) {
+    // What the file says of its own length is the video's where there is nothing else in it.
+    const double announced = static_cast<double>(format_->duration) / AV_TIME_BASE;
+    if (announced - end_ <= kFramesOfDoubt / frameRate_) return;
+    trouble_ = fmt::format("{} ends after {:.2f} of {:.2f} s", escaped(name_), end_, announced);
+  }
+}
+
+}  // namespace KPF_TOOL

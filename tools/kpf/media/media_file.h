@@ -1,0 +1,62 @@
+// The container that frames are read from.
+#ifndef KPF_MEDIA_FILE_H
+#define KPF_MEDIA_FILE_H
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "tools/kpf/media/ffmpeg.h"
+#include "tools/kpf/media/media.h"
+
+namespace KPF_TOOL {
+
+/**
+ * A file, images, a camera or a pipe, read packet by packet.
+ *
+ * What is opened is what the user named, once, and nothing else: what a play list names stays shut,
+ * be it in the network or on this disk.
+ */
+class MediaFile {
+ public:
+  /// @throws ToolError when it cannot be opened or holds no video.
+  MediaFile(const std::string& name, const MediaHints& hints);
+
+  const AVStream& stream() const { return *format_->streams[stream_]; }
+  const AVCodec& codec() const { return *codec_; }
+  /// Frames per second, 0 when nobody says.
+  double frameRate() const { return frameRate_; }
+
+  /// The next packet of the video; false at the end.
+  bool read(AVPacket& packet);
+
+  /// At the end: why it is not that of the input.
+  const std::string& trouble() const { return trouble_; }
+
+ private:
+  void open();
+  void allow(AVFormatContext& format);
+  void findVideo();
+  void note(const AVPacket& packet);
+  void noteEnd(int result);
+
+  struct CloseIo {
+    void operator()(AVIOContext* io) const { avio_close(io); }
+  };
+
+  std::string name_;
+  MediaHints hints_;
+  std::unique_ptr<AVIOContext, CloseIo> io_;  // outlives the format that reads from it
+  InputPtr format_;
+  const AVCodec* codec_ = nullptr;
+  int stream_ = -1;  // of the container's streams, the one that is decoded
+  double frameRate_ = 0;
+  std::uint64_t packets_ = 0;
+  std::uint64_t images_ = 0;  // numbers from the first image to the last; 0 for anything else
+  double end_ = 0;            // of the latest frame that was read, in seconds
+  std::string trouble_;
+};
+
+}  // namespace KPF_TOOL
+
+#endif
