@@ -15,6 +15,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "log/vx_log_sink.h"
 #include "paths/native_path.h"
 
 namespace VX_LOG {
@@ -61,6 +62,8 @@ struct LastCloser {
 constinit std::mutex& VxLogger::instance_mutex = kept.statics.mutex;
 constinit std::unique_ptr<VxLogger>& VxLogger::instance = kept.statics.instance;
 
+constinit std::atomic<LineSink> lineSink{nullptr};
+
 VxLogger* VxLogger::factory() {
   const std::lock_guard lock(instance_mutex);
   if (instance == nullptr) instance.reset(new VxLogger);
@@ -95,7 +98,7 @@ int VxLogger::loggerReopen() {
 }
 
 // Nothing is allocated on the way: a process that has run out of memory can still say so.
-void VxLogger::vx_log([[maybe_unused]] unsigned level, const char* format, ...) {
+void VxLogger::vx_log(unsigned level, const char* format, ...) {
   char line[kLineCapacity];
   va_list arguments;
   va_start(arguments, format);
@@ -104,6 +107,10 @@ void VxLogger::vx_log([[maybe_unused]] unsigned level, const char* format, ...) 
 
   const std::size_t length =
       std::min(static_cast<std::size_t>(std::max(wanted, 0)), kLineCapacity - 1);
+  if (const LineSink sink = lineSink.load(); sink != nullptr) {
+    line[length] = '\0';
+    return sink(level, line);
+  }
   line[length] = '\n';  // in place of the terminating zero
   write(line, length + 1);
 }

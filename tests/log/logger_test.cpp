@@ -12,6 +12,7 @@
 #include <fstream>
 #include <string>
 
+#include "log/vx_log_sink.h"
 #include "tests/support/library_test.h"
 #include "vx_log.h"
 
@@ -202,5 +203,22 @@ TEST_F(Logger, NewFileIsForOwnerAndGroup) {
   EXPECT_EQ(given & (perms::owner_all | perms::others_all), perms::owner_read | perms::owner_write);
 }
 #endif
+
+std::string sunk;
+
+TEST_F(Logger, SinkGetsEveryLineInPlaceOfTheOutputs) {
+  ASSERT_EQ(logger->loggerFile(file.c_str()), 0);
+  VX_LOG::lineSink = [](unsigned level, const char* line) noexcept {
+    sunk += std::to_string(level) + " " + line + "|";
+  };
+  logger->vx_log(3, "%s: lost", "queueFrame");
+  logger->vx_log(7, "%s", std::string(2000, 'x').c_str());
+  VX_LOG::lineSink = nullptr;
+  EXPECT_EQ(sunk, "3 queueFrame: lost|7 " + std::string(1023, 'x') + "|");
+  EXPECT_EQ(output(), "");
+  EXPECT_EQ(readText(file), "");
+  logger->vx_log(7, "again");
+  EXPECT_EQ(output(), "again\n");
+}
 
 }  // namespace
