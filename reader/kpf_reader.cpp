@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <system_error>
 #include <utility>
 
@@ -100,12 +101,15 @@ class Recording::Contents {
     return *std::prev(behind);
   }
 
+  /// A file is mapped once, for as long as the last record of it that somebody holds.
   std::shared_ptr<const MappedFile> map(const DivFile& file) {
-    if (mapped_ == nullptr || mappedNumber_ != file.number) {
-      mapped_.reset();
+    if (mapped_ != nullptr && mappedNumber_ == file.number) return mapped_;
+    mapped_ = held_[file.number].lock();
+    if (mapped_ == nullptr) {
       mapped_ = std::make_shared<const MappedFile>(file.path, access_);
-      mappedNumber_ = file.number;
+      held_[file.number] = mapped_;
     }
+    mappedNumber_ = file.number;
     return mapped_;
   }
 
@@ -120,6 +124,7 @@ class Recording::Contents {
  private:
   std::shared_ptr<const MappedFile> mapped_;  // the data file that was read last
   std::uint32_t mappedNumber_ = 0;
+  std::map<std::uint32_t, std::weak_ptr<const MappedFile>> held_;
 };
 
 Recording::Recording(const std::string& headerPath, Access access)

@@ -54,6 +54,13 @@ TEST_F(Records, PixelsStayValidWhenTheRecordingIsGone) {
   EXPECT_THAT(last.pixels, ElementsAre(41, 42, 43, 44, 45, 46));
 }
 
+TEST_F(Records, FileIsMappedOnceAsLongAsARecordOfItIsHeld) {
+  const Recording recording = open();
+  const FrameRecord first = recording.record(0);
+  recording.record(4);  // of another file
+  EXPECT_EQ(recording.record(0).pixels.data(), first.pixels.data());
+}
+
 TEST_F(Records, MayBeReadInAnyOrder) {
   const Recording recording = open();
   for (const unsigned n : {4U, 0U, 3U, 3U, 1U, 2U}) {
