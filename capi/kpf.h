@@ -107,7 +107,8 @@ typedef struct kpf_writer kpf_writer;
  * @param options not null.
  * @param writer receives the handle, to be closed by kpf_writer_close.
  * @return KPF_OK; KPF_ERROR_ARGUMENT or KPF_ERROR_STRUCT for the options; KPF_ERROR_NAME;
- *         KPF_ERROR_EXISTS; KPF_ERROR_OPEN, KPF_ERROR_WRITE (which may leave a header file).
+ *         KPF_ERROR_EXISTS; KPF_ERROR_OPEN, KPF_ERROR_WRITE. Of a recording that was to be replaced
+ *         some may then be gone.
  */
 KPF_API kpf_result kpf_writer_create(const char* name, const kpf_writer_options* options,
                                      kpf_writer** writer);
@@ -148,9 +149,9 @@ KPF_API kpf_result kpf_writer_add_lost(kpf_writer* writer);
 KPF_API kpf_result kpf_writer_statistics(kpf_writer* writer, kpf_writer_counts* counts);
 
 /**
- * Ends the recording and the handle, whatever the result. Where no count was announced, the header
- * gets the true one; where one was and frames are missing, a status file (name.incomplete.txt) says
- * so.
+ * Ends the recording and the handle, whatever the result but KPF_ERROR_STRUCT. Where no count was
+ * announced, the header gets the true one; where one was and frames are missing, a status file
+ * (name.incomplete.txt) says so.
  *
  * @param counts filled in with the last state; may be null.
  * @return KPF_OK when every announced frame was added and all of them are on disk;

@@ -15,8 +15,11 @@
 #define KPF_VERSION_MAJOR 1
 #define KPF_VERSION_MINOR 0
 
-/** What a call came to. Numbers are never given a second meaning; later versions may add some. */
-typedef enum kpf_result {
+/** What a call came to: one of the KPF_ constants below. Later versions may add some, which is why
+ * it is a plain integer. No number is ever given a second meaning. */
+typedef int32_t kpf_result;
+
+enum {
   KPF_OK = 0,
   KPF_ERROR_ARGUMENT = 1, /* null where there must be something, or a value out of its range */
   KPF_ERROR_STRUCT = 2,   /* struct_size is wrong, or a member this version does not know is set */
@@ -33,7 +36,7 @@ typedef enum kpf_result {
   KPF_ERROR_NOT_READY = 13, /* the amplifier holds too few frames as yet */
   KPF_ERROR_MEMORY = 14,    /* out of memory */
   KPF_ERROR_INTERNAL = 15   /* a mistake of this library; please report the text */
-} kpf_result;
+};
 
 /** Where the 12 bits of a sample stand in its 16, or the 8 in 16 when reading. */
 enum {

@@ -119,6 +119,7 @@ void VxKPFPackedStream::writeRecord(const VxKPFPacked& frame) {
     return;
   }
   VxLogger::factory()->vx_log(VX_LOG::kError, "%s: io stream write failed.", "queueFrame");
+  ++failedRecords;
   resumeAt(divFile, begin, begin + recordSize);
 }
 

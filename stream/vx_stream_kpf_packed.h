@@ -110,6 +110,7 @@ class VxKPFPackedStream {
   std::string baseName;           // its last component, without the extension
   std::string divFolder;          // folder of the data files, separator at its end
   unsigned seqNum = 0;            // frames written so far; the number of the next one
+  unsigned failedRecords = 0;  // of these, that did not reach their file and read as placeholders
 
  private:
   bool sizeFrames(const VLM_INTERNAL::VXP_STREAM_CONFIGURATION& config);

@@ -6,9 +6,10 @@ if(WINDOWS)
 else()
   execute_process(COMMAND ${NM} -D --defined-only ${LIBRARY}
     OUTPUT_VARIABLE table COMMAND_ERROR_IS_FATAL ANY)
-  string(REGEX MATCHALL "[0-9a-f]+ [A-Za-z] [^\n]+" rows "${table}")
+  string(REGEX MATCHALL "[0-9a-f]+ [B-Zb-z] [^\n]+" rows "${table}")  # A is a version's own name
 endif()
 list(TRANSFORM rows REPLACE "^.* " "" OUTPUT_VARIABLE exported)
+list(TRANSFORM exported REPLACE "@.*$" "")  # the version
 file(STRINGS ${LIST} expected REGEX "^[^#]")
 list(SORT exported)
 list(SORT expected)

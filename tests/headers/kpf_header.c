@@ -1,7 +1,5 @@
 #include "kpf.h"
 
-_Static_assert(sizeof(kpf_result) == sizeof(int), "results are plain integers");
-
 /* Every initialiser names every member: no warning, whatever the caller has switched on. */
 kpf_writer_options writer_options = KPF_WRITER_OPTIONS_INIT;
 kpf_stamp stamp = KPF_STAMP_INIT;
