@@ -7,3 +7,15 @@ set_tests_properties(example_record PROPERTIES
   PASS_REGULAR_EXPRESSION "example.kpf: 100 frames, complete")
 set_tests_properties(example_record example_amplify PROPERTIES
   LABELS examples ENVIRONMENT "OMP_WAIT_POLICY=passive;${VLM_TEST_ENVIRONMENT}")
+
+if(NOT VLM_SANITIZE)
+  add_test(NAME example_record_c COMMAND ${CMAKE_COMMAND}
+    -D RECORD=$<TARGET_FILE:record_c> -D READ=$<TARGET_FILE:read_c>
+    -D "EMULATOR=${CMAKE_CROSSCOMPILING_EMULATOR}" -D FOLDER=${folder}/c
+    -P ${CMAKE_CURRENT_LIST_DIR}/check_c_examples.cmake)
+  add_test(NAME example_amplify_c COMMAND amplify_c)
+  set_tests_properties(example_record_c example_amplify_c PROPERTIES
+    LABELS "examples;capi" ENVIRONMENT "OMP_WAIT_POLICY=passive;${VLM_TEST_ENVIRONMENT}")
+  set_tests_properties(example_amplify_c PROPERTIES
+    PASS_REGULAR_EXPRESSION "the edge moves by 4 of 255, amplified by 36")
+endif()
