@@ -52,6 +52,27 @@ second, and amplifies small movements in it so that they can be seen.
 
 This package holds headers, the static library, the reader for recordings,
 what CMake and pkg-config need to find them, documentation and examples.")
+
+# The front in C needs nothing of the other library.
+set(kpf_library_package libkpf${PROJECT_VERSION_MAJOR})
+set(kpf_shlibs ${PROJECT_BINARY_DIR}/debian/kpf/shlibs)
+file(WRITE ${kpf_shlibs} "libkpf ${PROJECT_VERSION_MAJOR} ${kpf_library_package} (>= ${PROJECT_VERSION})\n")
+vlm_debian_package(kpf_library ${kpf_library_package} libs
+  CONTROL ${kpf_shlibs} ${PROJECT_SOURCE_DIR}/cmake/debian/triggers
+  DESCRIPTION "recordings of mono video, for C and other languages
+Writes and reads recordings of mono video of 8 or 12 bits a pixel, and
+amplifies small movements in it so that they can be seen.
+
+This package holds the shared library.")
+vlm_debian_package(kpf_development libkpf-dev libdevel
+  DEPENDS "${kpf_library_package} (= ${debian_version})"
+  SUGGESTS "cmake, pkgconf"
+  DESCRIPTION "recordings of mono video, for C - development files
+Writes and reads recordings of mono video of 8 or 12 bits a pixel, and
+amplifies small movements in it so that they can be seen.
+
+This package holds the headers in C, and what CMake and pkg-config need to
+find the library.")
 if(TARGET kpf)
   vlm_debian_package(kpf kpf video
     DEPENDS "${library_package} (>= ${PROJECT_VERSION})"

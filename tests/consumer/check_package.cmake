@@ -78,19 +78,26 @@ foreach(program IN ITEMS caller caller_static)
 endforeach()
 
 run(${EMULATOR} ${FOLDER}/build/both${suffix} ${FOLDER}/out)
+run(${EMULATOR} ${FOLDER}/build/c_front${suffix} ${FOLDER}/out/c_front.kpf)
 
 # compile(PROGRAM SOURCE MODULE OPTION...): as a caller does who has pkg-config alone.
 function(compile program source module)
   execute_process(COMMAND ${PKG_CONFIG} --cflags --libs ${module}
     OUTPUT_VARIABLE flags OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
   separate_arguments(flags UNIX_COMMAND "${flags}")
-  run(${COMPILER} -std=c++20 ${SOURCE}/${source} ${flags} ${ARGN} -o ${FOLDER}/${program})
+  set(compiler ${COMPILER} -std=c++20)
+  if(source MATCHES "\\.c$")
+    set(compiler ${C_COMPILER} -std=c11 -pedantic)
+  endif()
+  run(${compiler} ${SOURCE}/${source} ${flags} ${ARGN} -o ${FOLDER}/${program})
 endfunction()
 
 if(PKG_CONFIG)
   set(ENV{PKG_CONFIG_PATH} ${PREFIX}/${LIBDIR}/pkgconfig)
   compile(caller_pkg_config caller.cpp vlm_internal -Wl,-rpath,${PREFIX}/${LIBDIR})
   compile(reader_pkg_config reader.cpp kpf_reader)
+  compile(c_front_pkg_config c_front.c kpf -Wl,-rpath,${PREFIX}/${LIBDIR})
+  run(${FOLDER}/c_front_pkg_config ${FOLDER}/out/c_front_pkg_config.kpf)
   list(APPEND PKG_CONFIG --static)
   compile(caller_pkg_config_static caller.cpp vlm_internal -static)
   foreach(program IN ITEMS caller_pkg_config caller_pkg_config_static)
