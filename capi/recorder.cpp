@@ -57,13 +57,20 @@ VLM_INTERNAL::VXP_STREAM_CONFIGURATION configurationOf(const kpf_writer_options&
   }
 }
 
+/// Windows lets a name that ends in a separator pass for a file, so the writer's own look at its
+/// folder may take one for it; without the separator it is told.
+bool hasDataFolder(const std::string& name) {
+  return fs::is_directory(nativePath(KPF_FORMAT::withoutExtension(name).value()));
+}
+
 unsigned prepare(VLM_KPF::VxKPFPackedStream& stream, const std::string& name,
                  const kpf_writer_options& options) {
   try {
-    return stream.prepareForWriting(name, configurationOf(options));
+    const unsigned status = stream.prepareForWriting(name, configurationOf(options));
+    if (status != STREAM_WRITING || hasDataFolder(name)) return status;
   } catch (const fs::filesystem_error&) {  // the folder's name leads through something else
-    return STREAM_BAD_PATH;
   }
+  return STREAM_BAD_PATH;
 }
 
 /// A new stream switches flags of the one logger, so streams are made one at a time.
