@@ -39,6 +39,18 @@ class Contents(unittest.TestCase):
             "cmake/vlm_internal/vlm_internal-config.cmake")}
         self.assertLessEqual(expected, names("libvlm-internal-dev"))
 
+    def test_the_front_in_c_stands_alone(self):
+        prefix = "usr/%s/" % LIBDIR
+        libraries = {name for name in names("libkpf1") if name.startswith("usr/lib")}
+        self.assertIn(prefix + "libkpf.so.1", libraries)
+        self.assertTrue(all(name.startswith(prefix + "libkpf.so.") for name in libraries), libraries)
+        expected = {"usr/include/kpf.h", "usr/include/kpf_types.h"}
+        expected |= {prefix + name for name in (
+            "libkpf.so", "pkgconfig/kpf.pc", "cmake/kpf/kpf-config.cmake")}
+        self.assertLessEqual(expected, names("libkpf-dev"))
+        for package in ("libkpf1", "libkpf-dev"):
+            self.assertNotIn("libvlm", output("dpkg-deb", "-f", str(DEBS[package]), "Depends"))
+
     @unittest.skipUnless("kpf" in DEBS, "the tool was not built")
     def test_the_tool_comes_with_its_pages(self):
         expected = {"usr/bin/kpf", "usr/share/man/man1/kpf.1.gz",

@@ -19,6 +19,7 @@ esac
 SUDO = """#!/bin/bash
 exec "$@"
 """
+FROM_C = "From C, and any language that calls C"
 
 
 def block_after(heading, language):
@@ -31,6 +32,7 @@ class Readme(ScratchSystem):
     def setUp(self):
         super().setUp()
         (self.folder / "program.cpp").write_text(block_after("A complete program", "cpp"))
+        (self.folder / "rows.c").write_text(block_after(FROM_C, "c"))
         (self.folder / "build").mkdir()
         (self.folder / "build/release").symlink_to(BUILD)
         self.stand_ins = self.folder / "stand-ins"
@@ -47,6 +49,13 @@ class Readme(ScratchSystem):
         self.run_as_root(lines + "./program", [self.stand_ins])
         self.assertEqual((self.folder / "clip.kpf").stat().st_size, 2998)
         self.assertFalse((self.folder / "clip.kpf.incomplete.txt").exists())
+
+    def test_the_lines_for_c_show_a_frame(self):
+        install = [line for line in block_after("Installing", "sh").splitlines() if "install" in line]
+        self.run_as_root("\n".join(install) + "\n" + block_after(FROM_C, "sh"), [self.stand_ins])
+        white, black = b"\xff" * 640, bytes(640)
+        self.assertEqual((self.folder / "frame.pgm").read_bytes(),
+                         b"P5 640 480 255\n" + white * 101 + black * 379)
 
     def test_the_target_uninstall_leaves_nothing(self):
         self.run_as_root("cmake --install build/release; test -e /usr/local/include/vlm_internal.h\n"
