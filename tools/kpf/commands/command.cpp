@@ -1,5 +1,7 @@
 #include "tools/kpf/commands/command.h"
 
+#include <fmt/format.h>
+
 #include <cstddef>
 #include <iterator>
 
@@ -22,6 +24,17 @@ void addRange(CLI::App& line, FrameRange& range) {
   line.add_option("--from", range.from, "first frame, counted from 0")
       ->check(CLI::NonNegativeNumber);
   line.add_option("--to", range.to, "last frame")->check(CLI::NonNegativeNumber);
+}
+
+// CLI11's own check takes NaN for a number of any range, and prints ranges with all their digits.
+CLI::Validator between(double low, double high) {
+  const auto check = [low, high](const std::string& text) -> std::string {
+    double value = 0;
+    const bool number = CLI::detail::lexical_cast(text, value);
+    if (number && value >= low && value <= high) return "";
+    return fmt::format("{} is no number from {} to {}", text, low, high);
+  };
+  return {check, fmt::format("{} to {}", low, high)};
 }
 
 void addJson(CLI::App& line, bool& json) { line.add_flag("--json", json, "for programs"); }

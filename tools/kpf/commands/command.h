@@ -50,6 +50,9 @@ void addFooter(CLI::App& line, const std::string& example, const ExitStatus& sta
 /// --from and --to.
 void addRange(CLI::App& line, FrameRange& range);
 
+/// A number of a range; what is none, and NaN, is refused in words that name the range.
+CLI::Validator between(double low, double high);
+
 /// --json: the result for programs on standard output; a failure too, see main.cpp.
 void addJson(CLI::App& line, bool& json);
 
