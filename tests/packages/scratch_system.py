@@ -28,14 +28,14 @@ class ScratchSystem(unittest.TestCase):
         self.addCleanup(scratch.cleanup)
         self.folder = pathlib.Path(scratch.name)
         for name in REPLACED:
-            (self.folder / "root" / name).mkdir(parents=True)
+            (self.folder / "system" / name).mkdir(parents=True)
         # What only root may read is not needed, and left out when another user runs this.
-        subprocess.run(["cp", "-a", "/etc/.", str(self.folder / "root/etc")], check=False,
+        subprocess.run(["cp", "-a", "/etc/.", str(self.folder / "system/etc")], check=False,
                        stderr=subprocess.DEVNULL)
 
     def run_as_root(self, script, path=()):
         """Runs the lines of a bash script, and gives what it wrote."""
-        mounts = ["mount --bind %s/root/%s /%s" % (self.folder, name, name)
+        mounts = ["mount --bind %s/system/%s /%s" % (self.folder, name, name)
                   for name in REPLACED if os.path.isdir("/" + name)]
         variables = environment()
         variables["PATH"] = ":".join([*map(str, path), variables["PATH"]])

@@ -60,9 +60,9 @@ class Readme(ScratchSystem):
     def test_the_target_uninstall_leaves_nothing(self):
         self.run_as_root("cmake --install build/release; test -e /usr/local/include/vlm_internal.h\n"
                          "cmake --build build/release --target uninstall", [self.stand_ins])
-        left = [file for file in (self.folder / "root/usr/local").rglob("*") if not file.is_dir()]
+        left = [file for file in (self.folder / "system/usr/local").rglob("*") if not file.is_dir()]
         self.assertEqual(left, [])
-        self.assertEqual(list((self.folder / "root/usr/local").rglob("vlm_internal")), [])
+        self.assertEqual(list((self.folder / "system/usr/local").rglob("vlm_internal")), [])
 
 
 if __name__ == "__main__":
