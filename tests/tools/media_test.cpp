@@ -34,7 +34,7 @@ class Media : public testing::Test {
   static constexpr unsigned kWidth = 6, kHeight = 4, kFrames = 3;
 
   static PictureFormat formatOf(Samples samples, double rate = 50) {
-    return {kWidth, kHeight, samples, rate, 0};
+    return {kWidth, kHeight, samples, rate, 0, {}};
   }
 
   /// Every sample of every frame another one, both bytes of 16 used.
@@ -47,7 +47,7 @@ class Media : public testing::Test {
   }
 
   void write(const std::string& name, const PictureFormat& format, unsigned frames = kFrames) {
-    const auto output = openEncodedOutput(folder_ / name, format);
+    const auto output = openEncodedOutput({folder_ / name, true, {}}, format);
     for (unsigned n = 0; n < frames; ++n) output->add(frame(n, format.samples).data());
     output->finish();
   }
@@ -167,16 +167,22 @@ TEST_F(Media, WhatIsNoVideoIsUnreadable) {
 TEST_F(Media, AnUnknownExtensionIsWrongUsage) {
   const PictureFormat format = formatOf(Samples::k8Bit);
   for (const char* name : {"v.xyz", "v", "mkv"}) {
-    EXPECT_THAT(
-        complaintOf([&] { openEncodedOutput(folder_ / name, format); }, Outcome::kWrongUsage),
-        testing::HasSubstr("has no extension that is known"));
+    EXPECT_THAT(complaintOf(
+                    [&] {
+                      openEncodedOutput({folder_ / name, false, {}}, format);
+                    },
+                    Outcome::kWrongUsage),
+                testing::HasSubstr("has no extension that is known"));
   }
 }
 
 TEST_F(Media, AFolderThatIsNotThereCannotBeWrittenTo) {
   const PictureFormat format = formatOf(Samples::k8Bit);
-  EXPECT_THAT(complaintOf([&] { openEncodedOutput(folder_ / "missing/v.mkv", format); },
-                          Outcome::kWriteFailed),
+  EXPECT_THAT(complaintOf(
+                  [&] {
+                    openEncodedOutput({folder_ / "missing/v.mkv", false, {}}, format);
+                  },
+                  Outcome::kWriteFailed),
               testing::HasSubstr("cannot write"));
 }
 

@@ -49,6 +49,9 @@ class Target : public testing::Test {
     TEST_SUPPORT::writeText(folder_ / name, "text");
   }
 
+  /// As much of a header file as tells a recording.
+  static std::string recording() { return "v3.0" + std::string(2994, '\0'); }
+
   TEST_SUPPORT::TemporaryFolder folder_;
   const std::string header_ = folder_ / "clip.kpf";
 };
@@ -87,13 +90,51 @@ TEST_F(Target, ThatIsTakenIsKeptUnlessForced) {
 }
 
 TEST_F(Target, ForcedLosesTheRecordingAndNothingElse) {
-  for (const char* name : {"clip.kpf", "clip.kpf.incomplete.txt", "clip/clip_0001.div",
-                           "clip/clip_0002.div", "clip/notes.txt", "clip.txt"}) {
+  TEST_SUPPORT::writeText(header_, recording());
+  for (const char* name : {"clip.kpf.incomplete.txt", "clip/clip_0001.div", "clip/clip_0002.div",
+                           "clip/notes.txt", "clip.txt"}) {
     make(name);
   }
   clearTarget(header_, true);
   EXPECT_EQ(TEST_SUPPORT::entriesBelow(folder_.path()),
             (std::vector<std::string>{"clip", "clip.txt", "clip/notes.txt"}));
+}
+
+TEST_F(Target, ThatIsNoRecordingIsKeptEvenIfForced) {
+  std::string other = recording();
+  other[1] = '4';
+  for (const std::string& text : {std::string("text"), recording() + "x", other, std::string()}) {
+    TEST_SUPPORT::writeText(header_, text);
+    EXPECT_EQ(outcomeOf([&] { clearTarget(header_, true); }), Outcome::kRefused);
+    EXPECT_EQ(TEST_SUPPORT::readText(header_), text);
+  }
+}
+
+TEST_F(Target, ThatIsReadIsKeptEvenIfForced) {
+  TEST_SUPPORT::writeText(header_, recording());
+  make("clip/clip_0001.div");
+  fs::create_hard_link(folder_ / "clip/clip_0001.div", folder_ / "input.raw");
+  const FileIds input({folder_ / "input.raw"});
+  EXPECT_EQ(outcomeOf([&] { clearTarget(header_, true, input); }), Outcome::kRefused);
+  EXPECT_TRUE(fs::exists(header_));
+  EXPECT_TRUE(fs::exists(folder_ / "clip/clip_0001.div"));
+}
+
+TEST_F(Target, ThatIsCheckedIsNotRemoved) {
+  TEST_SUPPORT::writeText(header_, recording());
+  EXPECT_EQ(outcomeOf([&] { checkTarget(header_, true); }), Outcome::kDone);
+  EXPECT_TRUE(fs::exists(header_));
+}
+
+TEST_F(Target, MayHaveTheRoomOfTheOlderRecording) {
+  make("clip/clip_0001.div");
+  const std::string file = folder_ / "clip/clip_0001.div";
+  // A hole: it has a size, and takes no room.
+  const std::uint64_t free = fs::space(folder_.path()).available;
+  fs::resize_file(file, free);
+  EXPECT_EQ(outcomeOf([&] { checkRoom(header_, free + free / 2); }), Outcome::kDone);
+  fs::remove(file);
+  EXPECT_EQ(outcomeOf([&] { checkRoom(header_, free + free / 2); }), Outcome::kRefused);
 }
 
 TEST_F(Target, NeedsRoom) {

@@ -64,7 +64,7 @@ class Export(VideoTest):
             self.write("fast.y4m", y4m(self.eight, 6, 4, rate=rate))
             self.record("fast.y4m", "fast.kpf", "--quiet", "--force")
             for target in ("fast.mkv", "fast.mp4", "fast.mov"):
-                self.export("fast.kpf", target)
+                self.export("fast.kpf", target, "--force")
                 times = self.frame_times(target)
                 self.assertEqual(len(times), 5, target)
                 for number, time in enumerate(times):

@@ -39,7 +39,7 @@ class WithoutFFmpeg(RecordingTest):
     def test_videos_and_images_are_refused(self):
         for arguments in (("record", "in.avi", "out.kpf"), ("amplify", "in.avi", "-"),
                           ("export", "clip.kpf", "out.mkv"), ("export", "clip.kpf", "f_%d.png"),
-                          ("amplify", "clip.kpf", "out.mp4")):
+                          ("amplify", "clip.kpf", "out.mp4", "--frequency", "12")):
             code, out, err = self.bare(*arguments)
             self.assertEqual((code, out), (2, b""), arguments)
             self.assertIn("this kpf is built without FFmpeg\n", err)

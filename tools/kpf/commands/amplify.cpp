@@ -31,6 +31,7 @@ struct AmplifyOptions {
   double rate = 0;       // frames per second; 0: the input's
   bool compare = false;  // original, reference and amplified frame side by side
   FrameRange range;
+  bool force = false;  // replace files that are there
   bool quiet = false;
 };
 
@@ -62,23 +63,24 @@ class AmplifyRun {
       : source_(source),
         options_(options),
         rate_(checkedRate(source, options)),
+        frames_(framesAskedFor(source, options.range, options.input)),
         amplifier_({rate_, options.frequency, static_cast<int>(source.width()),
                     static_cast<int>(source.height()), options.gain}),
         frame_(source.frameSize()) {
-    PictureFormat format{source.width(), source.height(), Samples::k8Bit, rate_,
-                         options.range.first()};
+    PictureFormat format{source.width(), source.height(),       Samples::k8Bit,
+                         rate_,          options.range.first(), frames_};
     if (options.compare) {
       comparison_.emplace(source.width(), source.height(),
                           std::array<std::string, 3>{"ORIGINAL", "REFERENCE", caption()});
       format.width = comparison_->width();
       format.height = comparison_->height();
     }
-    output_ = openOutput(options.output, format);
+    output_ = openOutput({options.output, options.force, filesRead(options.input)}, format);
   }
 
   /// @return frames written.
   std::uint64_t run() {
-    Progress progress(options_.quiet, source_.frameCount());
+    Progress progress(options_.quiet, frames_.value_or(0));
     // The window is filled from the frames before the first one that is asked for.
     const std::uint64_t first = options_.range.first();
     std::uint64_t number = first - std::min(first, amplifier_.fillingFrames());
@@ -92,7 +94,8 @@ class AmplifyRun {
       output_->add(picture());
       progress.show(++shown);
     }
-    output_->finish();
+    // Nothing is replaced by a video without frames.
+    if (shown > 0) output_->finish();
     return shown;
   }
 
@@ -110,6 +113,7 @@ class AmplifyRun {
   FrameSource& source_;
   const AmplifyOptions& options_;
   double rate_;
+  std::optional<std::uint64_t> frames_;  // to be written; nothing where nobody knows
   Amplifier amplifier_;
   std::vector<unsigned char> frame_;
   std::optional<Comparison> comparison_;  // nothing where only the amplified frame is wanted
@@ -127,8 +131,7 @@ Outcome runAmplify(const AmplifyOptions& options) {
     return Outcome::kCutShort;
   }
   if (shown > 0) return Outcome::kDone;
-  throw ToolError(Outcome::kWrongUsage, fmt::format("{} holds no such frames", options.input),
-                  "Choose other frames with --from and --to.");
+  throw noSuchFrames(options.input, "it ends before them");
 }
 
 }  // namespace
@@ -147,6 +150,7 @@ void addAmplify(CLI::App& app, Job& job) {
       ->check(CLI::PositiveNumber);
   line.add_flag("--compare", options.compare, "original, reference, amplified side by side");
   addRange(line, options.range);
+  line.add_flag("--force", options.force, "replace files that are there");
   line.add_flag("--quiet", options.quiet, "no progress");
   addFooter(line, "kpf amplify clip.kpf moving.mp4 --frequency 5 --gain 8 --compare",
             {"every frame that was asked for is there", kCutShortText, kNotBegunText});

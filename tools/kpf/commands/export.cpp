@@ -12,7 +12,6 @@
 #include "tools/kpf/frames/recorded_frames.h"
 #include "tools/kpf/terminal/interrupt.h"
 #include "tools/kpf/terminal/progress.h"
-#include "tools/kpf/terminal/tool_error.h"
 
 namespace KPF_TOOL {
 namespace {
@@ -23,35 +22,16 @@ struct ExportOptions {
   std::string file;    // header file
   std::string output;  // see openOutput
   FrameRange range;
+  bool force = false;  // replace files that are there
   bool quiet = false;
 };
 
-bool severalIntoOneImage(const std::string& output, std::uint64_t frames) {
-  const bool image =
-      output.ends_with(".png") || output.ends_with(".tif") || output.ends_with(".tiff");
-  return image && frames > 1 && output.find('%') == std::string::npos;
-}
-
-/// How many frames are to be exported. @throws ToolError when they do not go where they should.
-std::uint64_t checkedFrames(const ExportOptions& options, std::uint64_t count) {
-  const std::uint64_t frames = options.range.framesOf(count);
-  if (frames == 0) {
-    throw ToolError(Outcome::kWrongUsage,
-                    fmt::format("the recording holds no such frames: it has {}, from 0 on", count),
-                    "See kpf info for what is there, and choose --from and --to.");
-  }
-  if (severalIntoOneImage(options.output, frames)) {
-    throw ToolError(Outcome::kWrongUsage, fmt::format("{} frames do not go into one image", frames),
-                    "Put a pattern into the name, like frame_%06d.png.");
-  }
-  return frames;
-}
-
-std::unique_ptr<PictureOutput> openOutputFor(const FrameSource& source,
+std::unique_ptr<PictureOutput> openOutputFor(const FrameSource& source, std::uint64_t frames,
                                              const ExportOptions& options) {
   const double rate = source.frameRate() > 0 ? source.frameRate() : kRateOfNone;
-  return openOutput(options.output, {source.width(), source.height(), source.samples(), rate,
-                                     options.range.first()});
+  return openOutput(
+      {options.output, options.force, filesRead(options.file)},
+      {source.width(), source.height(), source.samples(), rate, options.range.first(), frames});
 }
 
 /// @return how many of `frames` frames went out before the user wanted to stop.
@@ -67,18 +47,19 @@ std::uint64_t copyFrames(FrameSource& source, PictureOutput& output, const Expor
     progress.show(++done);
   }
   // Also after an interruption: what is there can be played.
-  output.finish();
+  if (done > 0) output.finish();
   return done;
 }
 
 Outcome runExport(const ExportOptions& options) {
   const Interrupt interrupt;
   const auto source = openRecording(options.file, samplesOf(options.file));
-  const std::uint64_t frames = checkedFrames(options, source->frameCount());
-  const auto output = openOutputFor(*source, options);
-  const std::uint64_t done = copyFrames(*source, *output, options, frames);
-  if (done == frames) return Outcome::kDone;
-  fmt::print(stderr, "kpf: {} of {} frames exported: interrupted\n", done, frames);
+  const auto frames = framesAskedFor(*source, options.range, options.file);
+  if (!frames || source->frameCount() == 0) throw noSuchFrames(options.file, "it has none at all");
+  const auto output = openOutputFor(*source, *frames, options);
+  const std::uint64_t done = copyFrames(*source, *output, options, *frames);
+  if (done == *frames) return Outcome::kDone;
+  fmt::print(stderr, "kpf: {} of {} frames exported: interrupted\n", done, *frames);
   return Outcome::kCutShort;
 }
 
@@ -92,6 +73,7 @@ void addExport(CLI::App& app, Job& job) {
                   ".mkv lossless, .mp4 for viewing, frame_%06d.png or .tif, - raw")
       ->required();
   addRange(line, options.range);
+  line.add_flag("--force", options.force, "replace files that are there");
   line.add_flag("--quiet", options.quiet, "no progress");
   addFooter(line, "kpf export clip.kpf frame_%06d.tif --from 100 --to 199",
             {"every frame that was asked for is there", kCutShortText, kNotBegunText});

@@ -1,17 +1,76 @@
 #include "tools/kpf/commands/open.h"
 
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <limits>
+#include <vector>
+
+#include "kpf_reader.h"
+#include "tools/kpf/files/image_pattern.h"
 #include "tools/kpf/frames/raw_output.h"
 #include "tools/kpf/frames/recorded_frames.h"
 #include "tools/kpf/media/media.h"
+#include "tools/kpf/recording/target.h"
+#include "tools/kpf/terminal/text.h"
 
 namespace KPF_TOOL {
+namespace {
+
+/// Both what the reader finds and what lies there under names of the recording.
+std::vector<std::string> filesOfRecording(const std::string& name) {
+  std::vector<std::string> files = filesOf(headerPath(name));
+  const KPF_READER::Recording recording(name, KPF_READER::Access::kSparse);
+  for (const auto& file : recording.divFiles()) files.push_back(file.path);
+  files.push_back(recording.path());
+  return files;
+}
+
+}  // namespace
+
+ToolError noSuchFrames(const std::string& name, const std::string& why) {
+  return {Outcome::kWrongUsage, fmt::format("{} holds no such frames: {}", escaped(name), why),
+          "Choose other frames with --from and --to."};
+}
 
 std::unique_ptr<FrameSource> openFrames(const std::string& name, Samples samples) {
   return name.ends_with(".kpf") ? openRecording(name, samples) : openMedia(name, samples);
 }
 
-std::unique_ptr<PictureOutput> openOutput(const std::string& name, const PictureFormat& format) {
-  return name == "-" ? openRawOutput(format) : openEncodedOutput(name, format);
+FileIds filesRead(const std::string& name) {
+  if (name.ends_with(".kpf")) return FileIds(filesOfRecording(name));
+  std::vector<std::string> files = {name};
+  if (const auto pattern = ImagePattern::parse(name)) {
+    for (const std::uint64_t number : pattern->numbersThere()) {
+      files.push_back(pattern->nameOf(number));
+    }
+  }
+  return FileIds(files);
+}
+
+std::unique_ptr<PictureOutput> openOutput(const Destination& destination,
+                                          const PictureFormat& format) {
+  if (destination.name != "-") return openEncodedOutput(destination, format);
+  if (destination.input.holds(STDOUT_FILENO)) {
+    throw ToolError(Outcome::kRefused, "standard output is what is read",
+                    "Send the frames into another file.");
+  }
+  return openRawOutput(format);
+}
+
+std::optional<std::uint64_t> framesAskedFor(const FrameSource& source, const FrameRange& range,
+                                            const std::string& name) {
+  if (range.to && *range.to < range.first()) {
+    throw noSuchFrames(name, fmt::format("{} is before {}", *range.to, range.first()));
+  }
+  const std::uint64_t count = source.frameCount();
+  if (count == 0) {
+    if (!range.to) return std::nullopt;
+    return range.framesOf(std::numeric_limits<std::uint64_t>::max());
+  }
+  const std::uint64_t frames = range.framesOf(count);
+  if (frames > 0) return frames;
+  throw noSuchFrames(name, fmt::format("it has {}, from 0 on", count));
 }
 
 }  // namespace KPF_TOOL

@@ -2,11 +2,16 @@
 #ifndef KPF_OPEN_H
 #define KPF_OPEN_H
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
+#include "tools/kpf/files/new_file.h"
+#include "tools/kpf/frames/frame_range.h"
 #include "tools/kpf/frames/frame_source.h"
 #include "tools/kpf/frames/picture_output.h"
+#include "tools/kpf/terminal/tool_error.h"
 
 namespace KPF_TOOL {
 
@@ -14,9 +19,22 @@ namespace KPF_TOOL {
 /// 8-bit samples are the high bytes. @throws ToolError, KPF_READER::RecordingError.
 std::unique_ptr<FrameSource> openFrames(const std::string& name, Samples samples);
 
+/// The files that are read where `name` is: of a recording all of them, of a pattern all images.
+/// @throws KPF_READER::RecordingError.
+FileIds filesRead(const std::string& name);
+
 /// `-`: raw frames on standard output; anything else by its extension, see openEncodedOutput.
 /// @throws ToolError.
-std::unique_ptr<PictureOutput> openOutput(const std::string& name, const PictureFormat& format);
+std::unique_ptr<PictureOutput> openOutput(const Destination& destination,
+                                          const PictureFormat& format);
+
+/// The error of a range that no frame is in.
+ToolError noSuchFrames(const std::string& name, const std::string& why);
+
+/// How many frames `range` asks for, at most; nothing where that is all of an input whose end
+/// nobody knows. @throws ToolError when it is known to hold none.
+std::optional<std::uint64_t> framesAskedFor(const FrameSource& source, const FrameRange& range,
+                                            const std::string& name);
 
 }  // namespace KPF_TOOL
 

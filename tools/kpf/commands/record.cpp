@@ -53,7 +53,7 @@ struct RecordOptions {
 std::string checkedHeader(const RecordOptions& options) {
   std::string header = headerPath(options.output);
   parseStartTime(options.start);
-  if (!options.force) clearTarget(header, false);
+  checkTarget(header, options.force, filesRead(options.input));
   return header;
 }
 
@@ -222,11 +222,11 @@ Outcome runRecord(const RecordOptions& options) {
                     "Give a video that can be decoded.");
   }
   if (Interrupt::requested()) return Outcome::kCutShort;
-  // Only now: an input that cannot be read costs nobody an older recording.
-  clearTarget(header, options.force);
   const std::uint64_t recordSize =
       vxGetPackedSize(input->width(), input->height(), static_cast<unsigned>(options.bits));
   checkRoom(header, isLimited(options) ? limit * recordSize : recordSize);
+  // Only now: what cannot be recorded costs nobody an older recording.
+  clearTarget(header, options.force, filesRead(options.input));
   return recordInto(header, *input, options, rate, limit);
 }
 

@@ -22,6 +22,7 @@ struct SheetOptions {
   std::string source;     // what was recorded
   std::string recording;  // header file
   std::string output;     // an image
+  bool force = false;     // replace a file that is there
 };
 
 using Picture = std::vector<unsigned char>;
@@ -64,8 +65,10 @@ Outcome runSheet(const SheetOptions& options) {
   Canvas page(kColumns * (recording->width() / kShrink + kGap) - kGap, 2 * rowHeight);
   drawRow(page, *source, recording->frameCount(), "SOURCE", 0);
   drawRow(page, *recording, recording->frameCount(), "RECORDING", rowHeight);
-  const auto output =
-      openOutput(options.output, {page.width(), page.height(), Samples::k8Bit, 1, 0});
+  FileIds input = filesRead(options.source);
+  input.add(filesRead(options.recording));
+  const auto output = openOutput({options.output, options.force, input},
+                                 {page.width(), page.height(), Samples::k8Bit, 1, 0, 1});
   output->add(page.rows());
   output->finish();
   return Outcome::kDone;
@@ -80,6 +83,7 @@ void addSheet(CLI::App& app, Job& job) {
   line.add_option("SOURCE", options.source, "what was recorded")->required();
   line.add_option("FILE", options.recording, "header file (.kpf)")->required();
   line.add_option("OUT", options.output, "an image")->required();
+  line.add_flag("--force", options.force, "replace files that are there");
   addFooter(line, "kpf sheet street.avi clip.kpf sheet.png",
             {"the page is written", kCutShortText, kNotBegunText});
 }

@@ -4,18 +4,20 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 #include "tools/kpf/frames/samples.h"
 
 namespace KPF_TOOL {
 
-/// What the frames are, and from which number images are counted.
+/// What the frames are, how many will come, and from which number images are counted.
 struct PictureFormat {
   unsigned width = 0;
   unsigned height = 0;
   Samples samples = Samples::k8Bit;
   double frameRate = 25;
   std::uint64_t firstNumber = 0;
+  std::optional<std::uint64_t> frames;  // nothing where nobody knows
 
   /// Bytes of a row without padding.
   std::size_t rowSize() const { return width * bytesOf(samples); }
@@ -30,7 +32,8 @@ class PictureOutput {
   /// @throws ToolError when it cannot be written.
   virtual void add(const unsigned char* rows) = 0;
 
-  /// Completes the file. Without it a video may not play. @throws ToolError as add does.
+  /// Completes the file and gives it its name. Without it a video is not kept; images and raw
+  /// frames are, each from the moment it was added. @throws ToolError as add does.
   virtual void finish() = 0;
 };
 

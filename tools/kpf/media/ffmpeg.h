@@ -38,15 +38,10 @@ struct CloseInput {
 };
 using InputPtr = std::unique_ptr<AVFormatContext, CloseInput>;
 
-/// Whether the file is one that we opened: images open and close theirs by themselves.
-inline bool isOpen(const AVFormatContext& output) {
-  return output.pb != nullptr && !(output.oformat->flags & AVFMT_NOFILE);
-}
-
 /// A file that is written. Closed like this it lacks its end: that is for errors.
 struct CloseOutput {
   void operator()(AVFormatContext* file) const {
-    if (isOpen(*file)) avio_closep(&file->pb);
+    if (file->pb != nullptr) avio_closep(&file->pb);
     avformat_free_context(file);
   }
 };

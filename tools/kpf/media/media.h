@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "tools/kpf/files/new_file.h"
 #include "tools/kpf/frames/frame_source.h"
 #include "tools/kpf/frames/picture_output.h"
 
@@ -43,9 +44,9 @@ std::unique_ptr<FrameSource> openMedia(const std::string& name, Samples samples,
  * H.264), from the upper 8 bits; `.png`, `.tif`, `.tiff` lossless images, one or, with a pattern
  * like `frame_%06d.png`, many.
  *
- * @throws ToolError for anything else.
+ * @throws ToolError for anything else, and when something is in the way that may not be replaced.
  */
-std::unique_ptr<PictureOutput> openEncodedOutput(const std::string& name,
+std::unique_ptr<PictureOutput> openEncodedOutput(const Destination& destination,
                                                  const PictureFormat& format);
 
 }  // namespace KPF_TOOL

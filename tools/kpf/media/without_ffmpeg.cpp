@@ -18,10 +18,12 @@ std::unique_ptr<FrameSource> openMedia(const std::string& name, Samples, const M
                   "Give a recording (.kpf), or use a kpf with FFmpeg for videos and images.");
 }
 
-std::unique_ptr<PictureOutput> openEncodedOutput(const std::string& name, const PictureFormat&) {
-  throw ToolError(Outcome::kWrongUsage,
-                  fmt::format("cannot make {}: this kpf is built without FFmpeg", escaped(name)),
-                  "Write raw frames to - , or use a kpf with FFmpeg for videos and images.");
+std::unique_ptr<PictureOutput> openEncodedOutput(const Destination& destination,
+                                                 const PictureFormat&) {
+  throw ToolError(
+      Outcome::kWrongUsage,
+      fmt::format("cannot make {}: this kpf is built without FFmpeg", escaped(destination.name)),
+      "Write raw frames to - , or use a kpf with FFmpeg for videos and images.");
 }
 
 }  // namespace KPF_TOOL

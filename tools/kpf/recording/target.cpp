@@ -3,15 +3,46 @@
 #include <fmt/format.h>
 
 #include <filesystem>
+#include <fstream>
 #include <system_error>
 
 #include "format/kpf_file_names.h"
+#include "format/kpf_fixed.h"
+#include "format/kpf_layout.h"
 #include "format/kpf_status.h"
 #include "tools/kpf/terminal/text.h"
 #include "tools/kpf/terminal/tool_error.h"
 
 namespace KPF_TOOL {
 namespace fs = std::filesystem;
+namespace {
+
+/// Whether a file is the header of a recording, by its size and by how it begins.
+bool isHeader(const std::string& name) {
+  std::error_code unknown;
+  if (!fs::is_regular_file(name, unknown)) return false;
+  if (fs::file_size(name, unknown) != KPF_FORMAT::HEADER::kSize) return false;
+  std::string begin(KPF_FORMAT::kVersion.size(), '\0');
+  std::ifstream(name, std::ios::binary)
+      .read(begin.data(), static_cast<std::streamsize>(begin.size()));
+  return begin == KPF_FORMAT::kVersion;
+}
+
+ToolError inTheWay(const std::string& problem, const std::string& advice) {
+  return {Outcome::kRefused, problem, advice};
+}
+
+std::uint64_t bytesOf(const std::vector<std::string>& files) {
+  std::uint64_t bytes = 0;
+  for (const std::string& file : files) {
+    std::error_code unknown;
+    const std::uint64_t size = fs::file_size(file, unknown);
+    if (!unknown) bytes += size;
+  }
+  return bytes;
+}
+
+}  // namespace
 
 std::string headerPath(const std::string& output) {
   const fs::path path(output);
@@ -38,15 +69,33 @@ std::vector<std::string> filesOf(const std::string& header) {
   return files;
 }
 
-// The folder stays, and with it whatever else the user keeps there.
-void clearTarget(const std::string& header, bool force) {
-  const std::vector<std::string> files = filesOf(header);
-  if (files.empty()) return;
-  if (!force) {
-    throw ToolError(Outcome::kRefused, fmt::format("{} is there already", escaped(files.front())),
-                    "Choose another name, or give --force to replace the recording.");
+void checkTarget(const std::string& header, bool force, const FileIds& input) {
+  for (const std::string& file : filesOf(header)) {
+    const std::string name = escaped(file);
+    if (input.holds(file)) {
+      throw inTheWay(fmt::format("{} is what is read", name),
+                     "Choose another name: the input is never replaced.");
+    }
+    if (file == header && !isHeader(header)) {
+      throw inTheWay(fmt::format("{} is there already, and is no recording", name),
+                     "Choose another name: only recordings are replaced.");
+    }
+    if (force) continue;
+    throw inTheWay(fmt::format("{} is there already", name),
+                   "Choose another name, or give --force to replace the recording.");
   }
-  for (const std::string& file : files) fs::remove(file);
+}
+
+// The folder stays, and with it whatever else the user keeps there.
+void clearTarget(const std::string& header, bool force, const FileIds& input) {
+  checkTarget(header, force, input);
+  for (const std::string& file : filesOf(header)) {
+    std::error_code error;
+    fs::remove(file, error);
+    if (!error) continue;
+    throw inTheWay(fmt::format("cannot remove {}: {}", escaped(file), error.message()),
+                   "Choose another name, or remove the older recording yourself.");
+  }
 }
 
 void checkRoom(const std::string& header, std::uint64_t bytes) {
@@ -58,12 +107,13 @@ void checkRoom(const std::string& header, std::uint64_t bytes) {
                     fmt::format("{}: {}", escaped(folder.string()), unknown.message()),
                     "Make the folder first.");
   }
-  if (bytes <= space.available) return;
-  throw ToolError(Outcome::kRefused,
-                  fmt::format("the recording takes {}, the disk has room for {}",
-                              sizeText(static_cast<double>(bytes)),
-                              sizeText(static_cast<double>(space.available))),
-                  "Free some space, or record fewer frames with --frames.");
+  const std::uint64_t available = space.available + bytesOf(filesOf(header));
+  if (bytes <= available) return;
+  throw ToolError(
+      Outcome::kRefused,
+      fmt::format("the recording takes {}, the disk has room for {}",
+                  sizeText(static_cast<double>(bytes)), sizeText(static_cast<double>(available))),
+      "Free some space, or record fewer frames with --frames.");
 }
 
 }  // namespace KPF_TOOL

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "tools/kpf/files/file_ids.h"
+
 namespace KPF_TOOL {
 
 /// A name without a folder is taken as one in the current folder: the library would put the data
@@ -16,11 +18,16 @@ std::string headerPath(const std::string& output);
 /// Files of a recording of that name that are there: header, data files, status file.
 std::vector<std::string> filesOf(const std::string& header);
 
-/// Sees that nothing is in the way: with `force` the older recording is removed, files of other
-/// kinds stay. @throws ToolError without it.
-void clearTarget(const std::string& header, bool force);
+/// Sees that nothing is in the way that may not be replaced, and removes nothing.
+/// @param force whether an older recording may be; what is none never is.
+/// @param input files that are read, which nobody's wish replaces. @throws ToolError.
+void checkTarget(const std::string& header, bool force, const FileIds& input = {});
 
-/// @throws ToolError when `bytes` do not fit the disk that `header` will lie on.
+/// The same, and then removes the older recording; files of other kinds stay.
+void clearTarget(const std::string& header, bool force, const FileIds& input = {});
+
+/// @throws ToolError when `bytes` do not fit the disk that `header` will lie on, not even when the
+/// recording that is there makes room for them.
 void checkRoom(const std::string& header, std::uint64_t bytes);
 
 }  // namespace KPF_TOOL

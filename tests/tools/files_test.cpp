@@ -1,0 +1,144 @@
+// What stands in the way of a file, and when it gets its name.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+#include "tests/support/files.h"
+#include "tools/kpf/files/image_pattern.h"
+#include "tools/kpf/files/new_file.h"
+#include "tools/kpf/terminal/tool_error.h"
+
+namespace {
+
+using namespace KPF_TOOL;
+using TEST_SUPPORT::entriesBelow;
+using TEST_SUPPORT::readText;
+using TEST_SUPPORT::writeText;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+namespace fs = std::filesystem;
+
+TEST(ImagePattern, IsOneNumberPaddedWithZeros) {
+  for (const char* name : {"f_%06d.png", "%01d", "50%/f_%02d.tif"}) {
+    const auto pattern = ImagePattern::parse(name);
+    ASSERT_TRUE(pattern) << name;
+    EXPECT_TRUE(pattern->isPadded()) << name;
+  }
+  for (const char* name : {"f_%d.png", "f_%6d.png", "f_%0d.png"}) {
+    const auto pattern = ImagePattern::parse(name);
+    ASSERT_TRUE(pattern) << name;
+    EXPECT_FALSE(pattern->isPadded()) << name;
+  }
+  for (const char* name :
+       {"f.png", "%03d_%03d.png", "%", "f_%03x", "f_%03", "%-3d", "%099d", "%%", "%03d/f.png"}) {
+    EXPECT_FALSE(ImagePattern::parse(name)) << name;
+  }
+}
+
+TEST(ImagePattern, NamesEachNumber) {
+  const auto pattern = ImagePattern::parse("a/f_%03d.png");
+  EXPECT_EQ(pattern->nameOf(7), "a/f_007.png");
+  EXPECT_EQ(pattern->nameOf(12345), "a/f_12345.png");
+}
+
+class Files : public testing::Test {
+ protected:
+  /// What checkFree or a new file of that name says; nothing when it may be written.
+  std::string complaintAbout(const std::string& name, bool force, const FileIds& input = {}) {
+    const Destination destination{folder_ / name, force, input};
+    try {
+      checkFree(destination.name, destination);
+    } catch (const ToolError& error) {
+      EXPECT_EQ(error.outcome(), Outcome::kRefused);
+      EXPECT_FALSE(error.advice().empty());
+      return error.what();
+    }
+    return "";
+  }
+
+  TEST_SUPPORT::TemporaryFolder folder_;
+};
+
+TEST_F(Files, ThatMatchAPatternAreFoundByTheirNumbers) {
+  for (const char* name : {"f_001.png", "f_1234.png", "f_01.png", "f_0001.png", "f_001.tif",
+                           "g_001.png", "f_-01.png", "f_00a.png", "f_.png"}) {
+    writeText(folder_ / name, "");
+  }
+  EXPECT_THAT(ImagePattern::parse(folder_ / "f_%03d.png")->numbersThere(),
+              UnorderedElementsAre(1, 1234));
+  EXPECT_THAT(ImagePattern::parse(folder_ / "missing/f_%03d.png")->numbersThere(), IsEmpty());
+}
+
+TEST_F(Files, ThatAreThereAreReplacedOnlyByForce) {
+  writeText(folder_ / "old.mkv", "old");
+  EXPECT_EQ(complaintAbout("new.mkv", false), "");
+  EXPECT_THAT(complaintAbout("old.mkv", false), HasSubstr("is there already"));
+  EXPECT_EQ(complaintAbout("old.mkv", true), "");
+}
+
+TEST_F(Files, ThatAreReadAreNeverReplacedByWhateverName) {
+  writeText(folder_ / "own.mkv", "own");
+  fs::create_symlink(folder_ / "own.mkv", folder_ / "link.mkv");
+  fs::create_hard_link(folder_ / "own.mkv", folder_ / "twin.mkv");
+  fs::create_directory(folder_ / "sub");
+  const FileIds input({folder_ / "own.mkv", folder_ / "missing.mkv"});
+  for (const char* name : {"own.mkv", "link.mkv", "twin.mkv", "sub/../own.mkv"}) {
+    for (const bool force : {false, true}) {
+      EXPECT_THAT(complaintAbout(name, force, input), HasSubstr("is what is read")) << name;
+    }
+  }
+}
+
+TEST_F(Files, ThatAreNoneAreNotReplaced) {
+  fs::create_directory(folder_ / "folder.mkv");
+  EXPECT_THAT(complaintAbout("folder.mkv", true), HasSubstr("is no file"));
+  fs::create_symlink(folder_ / "nowhere", folder_ / "dangling.mkv");
+  EXPECT_THAT(complaintAbout("dangling.mkv", false), HasSubstr("is there already"));
+}
+
+TEST_F(Files, GetTheirNamesWhenTheyAreWhole) {
+  const Destination destination{folder_ / "new.mkv", false, {}};
+  NewFile file(destination.name, destination);
+  EXPECT_FALSE(fs::exists(destination.name));
+  writeText(file.path(), "whole");
+  file.commit();
+  EXPECT_EQ(readText(destination.name), "whole");
+  EXPECT_THAT(entriesBelow(folder_.path()), ElementsAre("new.mkv"));
+}
+
+TEST_F(Files, ThatAreNotCommittedLeaveEverythingAsItWas) {
+  writeText(folder_ / "old.mkv", "old");
+  const Destination destination{folder_ / "old.mkv", true, {}};
+  { const NewFile file(destination.name, destination); }
+  EXPECT_EQ(readText(destination.name), "old");
+  EXPECT_THAT(entriesBelow(folder_.path()), ElementsAre("old.mkv"));
+}
+
+TEST_F(Files, DoNotReplaceWhatHasComeMeanwhile) {
+  const Destination destination{folder_ / "new.mkv", false, {}};
+  {
+    NewFile file(destination.name, destination);
+    writeText(destination.name, "somebody else's");
+    EXPECT_THROW(file.commit(), ToolError);
+  }
+  EXPECT_EQ(readText(destination.name), "somebody else's");
+  EXPECT_THAT(entriesBelow(folder_.path()), ElementsAre("new.mkv"));
+}
+
+TEST_F(Files, NeedTheirFolder) {
+  const Destination destination{folder_ / "missing/new.mkv", false, {}};
+  try {
+    const NewFile file(destination.name, destination);
+    FAIL() << "was made";
+  } catch (const ToolError& error) {
+    EXPECT_EQ(error.outcome(), Outcome::kWriteFailed);
+    EXPECT_THAT(error.what(), HasSubstr("No such file or directory"));
+    EXPECT_EQ(error.advice(), "Make the folder first.");
+  }
+}
+
+}  // namespace
