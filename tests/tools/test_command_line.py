@@ -1,7 +1,9 @@
 """kpf without a job: help, version, wrong usage."""
+import os
+import subprocess
 import unittest
 
-from recordings import RecordingTest
+from recordings import KPF, RecordingTest, header
 
 
 class CommandLine(RecordingTest):
@@ -16,6 +18,35 @@ class CommandLine(RecordingTest):
         for command in ("record", "info", "verify", "export", "amplify"):
             self.assertIn("\n  " + command + " ", out)
         self.assertNotIn("sheet", out)
+
+    @unittest.skipUnless(os.path.exists("/dev/full"), "needs a device that is always full")
+    def test_results_that_cannot_be_written_are_no_success(self):
+        for arguments in (("info", "clip.kpf"), ("info", "clip.kpf", "--json"),
+                          ("verify", "clip.kpf"), ("export", "clip.kpf", "-"),
+                          ("amplify", "clip.kpf", "-", "--frequency", "12"), ("--version",), ("--help",)):
+            with open("/dev/full", "wb") as full:
+                done = subprocess.run([KPF, *arguments], cwd=self.folder, stdout=full,
+                                      stderr=subprocess.PIPE, timeout=60, check=False)
+            self.assertEqual(done.returncode, 1, arguments)
+            self.assertIn(b"kpf: cannot write to standard output: ", done.stderr)
+
+    def test_long_results_that_cannot_be_written_are_told_once(self):
+        self.write("clip.kpf", header(per_file=1, frames=400))
+        with open("/dev/full", "wb") as full:
+            done = subprocess.run([KPF, "verify", "clip.kpf"], cwd=self.folder, stdout=full,
+                                  stderr=subprocess.PIPE, timeout=60, check=False)
+        self.assertEqual(done.returncode, 1)
+        self.assertEqual(done.stderr.count(b"kpf: "), 1, done.stderr)
+
+    def test_closed_output_does_not_end_in_a_file(self):
+        for close in (">&-", "<&- >&-", "<&- >&- 2>&-"):
+            done = subprocess.run(["sh", "-c", 'exec "$0" export clip.kpf out.png --to 0 --force '
+                                   + close, KPF], cwd=self.folder, timeout=60, check=False)
+            self.assertEqual(done.returncode, 0)
+            done = subprocess.run(["sh", "-c", 'exec "$0" info clip.kpf ' + close, KPF],
+                                  cwd=self.folder, timeout=60, stderr=subprocess.DEVNULL,
+                                  check=False)
+            self.assertEqual(done.returncode, 1)
 
     def test_wrong_usage(self):
         for arguments in ((), ("unknown",), ("info",), ("info", "clip.kpf", "--unknown")):

@@ -7,6 +7,7 @@
 #include "kpf_reader.h"
 #include "tools/kpf/command_line.h"
 #include "tools/kpf/terminal/json.h"
+#include "tools/kpf/terminal/standard_output.h"
 #include "tools/kpf/terminal/text.h"
 #include "tools/kpf/terminal/tool_error.h"
 
@@ -35,8 +36,13 @@ Outcome failed(const CLI::App& app, const ToolError& error) {
   return error.outcome();
 }
 
+/// Also where nobody listens: {fmt} would throw when standard error is closed.
+void complain(const std::string& what, const std::string& advice) {
+  std::fputs(fmt::format("kpf: {}\n{}\n", what, advice).c_str(), stderr);
+}
+
 Outcome report(const CLI::App& app, const ToolError& error) {
-  fmt::print(stderr, "kpf: {}\n{}\n", error.what(), error.advice());
+  complain(error.what(), error.advice());
   return failed(app, error);
 }
 
@@ -58,16 +64,27 @@ Outcome run(CLI::App& app, const Job& job, int argc, char** argv) {
     return report(app, {Outcome::kUnreadableInput, escaped(error.what()),
                         "Give the header file (.kpf) of a recording that you may read."});
   } catch (const std::exception& error) {
+    // Printing may fail in the midst of a result, which is told below.
+    if (std::ferror(stdout) != 0) return Outcome::kWriteFailed;
     return report(app, {Outcome::kFailed, error.what(), "The job was cut short."});
   }
+}
+
+/// A result that could not be given is no success, whatever was done for it.
+Outcome giveResult(Outcome outcome) {
+  const auto problem = flushStandardOutput();
+  if (!problem) return outcome;
+  complain("cannot write to standard output: " + *problem, "Check where the output goes.");
+  return outcome == Outcome::kDone ? Outcome::kWriteFailed : outcome;
 }
 
 }  // namespace
 
 // NOLINTNEXTLINE(bugprone-exception-escape): only for want of memory, before anything is done.
 int main(int argc, char** argv) {
+  holdStandardDescriptors();
   CLI::App app;
   Job job;
   buildCommandLine(app, job);
-  return exitCodeOf(run(app, job, argc, argv));
+  return exitCodeOf(giveResult(run(app, job, argc, argv)));
 }

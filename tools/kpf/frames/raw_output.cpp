@@ -4,6 +4,8 @@
 
 #include <cerrno>
 #include <cstddef>
+#include <string>
+#include <system_error>
 
 #include "tools/kpf/terminal/tool_error.h"
 
@@ -38,8 +40,9 @@ class RawOutput : public PictureOutput {
 
  private:
   [[noreturn]] static void fail() {
-    throw ToolError(Outcome::kWriteFailed, "cannot write to standard output",
-                    "Check what reads the pipe.");
+    const std::string why = std::generic_category().message(errno);
+    throw ToolError(Outcome::kWriteFailed, "cannot write to standard output: " + why,
+                    "Check what reads the pipe, or the disk that it goes to.");
   }
 
   std::size_t size_;
