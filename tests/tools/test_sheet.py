@@ -16,11 +16,11 @@ class Sheet(VideoTest):
                                    WIDTH, HEIGHT))
         self.record("nine.y4m", "nine.kpf", "--quiet")
 
-    def page(self, source, recording):
+    def page(self, source, recording, half_width=HALF_WIDTH, half_heights=2 * HALF_HEIGHT):
         done = self.kpf_bytes("sheet", source, recording, "-")
         self.assertEqual((done.returncode, done.stderr), (0, b""))
-        width = 3 * HALF_WIDTH + 2 * GAP
-        self.assertEqual(len(done.stdout), width * 2 * (HALF_HEIGHT + CAPTION))
+        width = 3 * half_width + 2 * GAP
+        self.assertEqual(len(done.stdout), width * (half_heights + 2 * CAPTION))
         return [done.stdout[i:i + width] for i in range(0, len(done.stdout), width)]
 
     def test_three_frames_of_source_and_recording(self):
@@ -30,6 +30,33 @@ class Sheet(VideoTest):
         expected = gap.join(bytes([20 * n + 20]) * HALF_WIDTH for n in (1, 4, 7))
         for row in (CAPTION, CAPTION + HALF_HEIGHT - 1, 2 * CAPTION + HALF_HEIGHT, -1):
             self.assertEqual(rows[row], expected)
+
+    def test_sizes_may_differ(self):
+        self.write("large.y4m", y4m([[20 * n + 20] * (128 * 96) for n in range(9)], 128, 96))
+        self.record("large.y4m", "large.kpf", "--quiet")
+        small, large = (GAP * b"\0").join(bytes([n]) * 32 for n in (40, 100, 160)), \
+            (GAP * b"\0").join(bytes([n]) * 64 for n in (40, 100, 160))
+        small += bytes(len(large) - len(small))
+        for source, recording, first, second, row in (
+                ("nine.y4m", "large.kpf", small, large, CAPTION + 24),
+                ("large.y4m", "nine.kpf", large, small, CAPTION + 48)):
+            rows = self.page(source, recording, 64, 24 + 48)
+            self.assertEqual((rows[CAPTION], rows[row - 1]), (first, first))
+            self.assertEqual((rows[row + CAPTION], rows[-1]), (second, second))
+
+    def test_fewer_frames_than_columns_are_shown_again(self):
+        for count, shown in ((1, (20, 20, 20)), (2, (20, 40, 40))):
+            self.write("few.y4m", y4m([[20 * n + 20] * (WIDTH * HEIGHT) for n in range(count)],
+                                      WIDTH, HEIGHT))
+            self.record("few.y4m", "few.kpf", "--quiet", "--force")
+            rows = self.page("few.y4m", "few.kpf")
+            expected = bytes(GAP).join(bytes([n]) * HALF_WIDTH for n in shown)
+            self.assertEqual((rows[CAPTION], rows[-1]), (expected, expected))
+
+    def test_source_shorter_than_the_recording_leaves_black(self):
+        self.write("short.y4m", y4m([[200] * (WIDTH * HEIGHT)] * 2, WIDTH, HEIGHT))
+        rows = self.page("short.y4m", "nine.kpf")
+        self.assertEqual(rows[CAPTION], bytes([200]) * HALF_WIDTH + bytes(2 * (HALF_WIDTH + GAP)))
 
     def test_captions_stand_above_the_pictures(self):
         rows = self.page("nine.y4m", "nine.kpf")

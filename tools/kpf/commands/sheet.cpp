@@ -1,6 +1,7 @@
 // kpf sheet: source and recording side by side on one page. For the demo, and not in the help.
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -37,19 +38,30 @@ Picture shrunk(const Picture& picture, unsigned width, unsigned height) {
   return out;
 }
 
-/// One row of the page: frames of one source, evenly spread over `count`.
+unsigned rowHeight(const FrameSource& frames) {
+  return frames.height() / kShrink + Canvas::kCaptionHeight;
+}
+
+unsigned rowWidth(const FrameSource& frames) {
+  return kColumns * (frames.width() / kShrink + kGap) - kGap;
+}
+
+/// One row of the page: frames of one source, evenly spread over `count`, some of them twice where
+/// there are fewer than columns. What the source does not have stays black.
 void drawRow(Canvas& page, FrameSource& frames, std::uint64_t count, const std::string& caption,
              unsigned top) {
   const unsigned width = frames.width() / kShrink;
   const unsigned height = frames.height() / kShrink;
   Picture picture(frames.frameSize());
-  std::uint64_t position = 0;
+  std::uint64_t position = 0;  // of the next frame
   for (unsigned column = 0; column < kColumns; ++column) {
     const std::uint64_t wanted = count * (2 * column + 1) / (2 * kColumns);
-    frames.skip(wanted - position);
-    if (!frames.next()) return;
-    frames.copyTo(picture.data(), frames.rowSize());
-    position = wanted + 1;
+    if (wanted >= position) {
+      frames.skip(wanted - position);
+      if (!frames.next()) return;
+      frames.copyTo(picture.data(), frames.rowSize());
+      position = wanted + 1;
+    }
     const unsigned left = column * (width + kGap);
     page.write(fmt::format("{}, FRAME {}", caption, wanted), left + Canvas::kCaptionMargin,
                top + Canvas::kCaptionMargin);
@@ -61,10 +73,11 @@ void drawRow(Canvas& page, FrameSource& frames, std::uint64_t count, const std::
 Outcome runSheet(const SheetOptions& options) {
   const auto source = openFrames(options.source, Samples::k8Bit);
   const auto recording = openRecording(options.recording, Samples::k8Bit);
-  const unsigned rowHeight = recording->height() / kShrink + Canvas::kCaptionHeight;
-  Canvas page(kColumns * (recording->width() / kShrink + kGap) - kGap, 2 * rowHeight);
+  if (recording->frameCount() == 0) throw noSuchFrames(options.recording, "it has none at all");
+  Canvas page(std::max(rowWidth(*source), rowWidth(*recording)),
+              rowHeight(*source) + rowHeight(*recording));
   drawRow(page, *source, recording->frameCount(), "SOURCE", 0);
-  drawRow(page, *recording, recording->frameCount(), "RECORDING", rowHeight);
+  drawRow(page, *recording, recording->frameCount(), "RECORDING", rowHeight(*source));
   FileIds input = filesRead(options.source);
   input.add(filesRead(options.recording));
   const auto output = openOutput({options.output, options.force, input},
