@@ -26,7 +26,8 @@ def amplified(frames, window, gain):
 
 class Amplify(VideoTest):
     def raw(self, *arguments):
-        done = self.kpf_bytes("amplify", *arguments)
+        # Made-up frames wrap at any gain, which would be said.
+        done = self.kpf_bytes("amplify", *arguments, "--quiet")
         self.assertEqual((done.returncode, done.stderr), (0, b""))
         return done.stdout
 
@@ -77,13 +78,15 @@ class Amplify(VideoTest):
             self.assertEqual(row, bytes(8).join(p[6 * y:6 * y + 6] for p in pictures), y)
 
     def test_comparison_of_a_window_that_fills_is_three_times_the_same(self):
-        rows = self.compared([self.eight[0]], 6, 4)[28:]
-        for y, row in enumerate(rows):
-            self.assertEqual(row, bytes(8).join(3 * [bytes(self.eight[0][6 * y:6 * y + 6])]), y)
+        self.compared(self.eight, 6, 4)
+        first = self.raw("video.y4m", "-", "--frequency", "12", "--compare")[34 * 28:34 * 32]
+        for y in range(4):
+            self.assertEqual(first[34 * y:34 * y + 34],
+                             bytes(8).join(3 * [bytes(self.eight[0][6 * y:6 * y + 6])]), y)
 
     def test_comparison_has_captions(self):
         width = 400
-        rows = self.compared([[128] * width], width, 1, "--gain", "2.5")
+        rows = self.compared([[128] * width] * 5, width, 1, "--gain", "2.5")
         caption = rows[:28]
         self.assertEqual(set(b"".join(caption)), {0, 255})
         for text, left in (("ORIGINAL", 0), ("REFERENCE", width + 8),
@@ -97,14 +100,15 @@ class Amplify(VideoTest):
             self.assertEqual(blanks, [m.start() for m in re.finditer(" ", text)], text)
 
     def test_video_has_as_many_frames_as_the_input(self):
-        self.assertEqual(self.kpf("amplify", "eight.y4m", "out.mkv", "--frequency", "12"),
-                         (0, "", ""))
+        self.assertEqual(self.kpf("amplify", "eight.y4m", "out.mkv", "--frequency", "12",
+                                  "--quiet"), (0, "", ""))
         self.record("out.mkv", "out.kpf", "--quiet")
         self.assertEqual(len(self.read("out/out_0001.div")), 5 * 40)
 
     @unittest.skipUnless(FFPROBE, "needs ffprobe to read the times")
     def test_video_keeps_the_rate(self):
-        self.assertEqual(self.kpf("amplify", "eight.y4m", "out.mkv", "--rate", "100"), (0, "", ""))
+        self.assertEqual(self.kpf("amplify", "eight.y4m", "out.mkv", "--rate", "100",
+                                  "--frequency", "50", "--quiet"), (0, "", ""))
         times = self.frame_times("out.mkv")
         self.assertEqual([round(time * 100) for time in times], [0, 1, 2, 3, 4])
 
@@ -149,11 +153,53 @@ class Amplify(VideoTest):
                 ("cannot open", ("missing.avi", "-")),
                 ("do not show a motion", ("eight.y4m", "-", "--frequency", "13")),
                 ("--frequency", ("eight.y4m", "-", "--frequency", "0")),
-                ("too many frames", ("eight.y4m", "-", "--frequency", "1e-9")),
+                ("--frequency: nan is no number from 0.0001 to 500000",
+                 ("eight.y4m", "-", "--frequency", "nan")),
+                ("--frequency: inf is", ("eight.y4m", "-", "--frequency", "inf")),
+                ("--gain: nan is no number from 0 to 255", ("eight.y4m", "-", "--gain", "nan")),
+                ("--gain: -2 is no number from 0 to 255", ("eight.y4m", "-", "--gain=-2")),
+                ("--gain: 1e9 is", ("eight.y4m", "-", "--gain", "1e9")),
+                ("--rate: 0 is no number from 0.001 to 1000000", ("eight.y4m", "-", "--rate", "0")),
+                ("do not show a motion", ("eight.y4m", "-", "--rate", "0.1")),
+                ("too many frames", ("eight.y4m", "-", "--frequency", "0.0001", "--rate", "1e6")),
                 ("no such frames", ("eight.y4m", "-", "--from", "99"))):
             code, out, err = self.kpf("amplify", *arguments)
             self.assertEqual((code, out), (2, ""), arguments)
             self.assertIn(what, err)
+
+    def test_window_longer_than_the_clip_is_no_copy(self):
+        self.record("eight.y4m", "eight.kpf", "--quiet")
+        for source, code in (("eight.kpf", 2), ("eight.y4m", 1)):
+            for to in ((), ("--to", "3")):
+                frequency = "12" if to else "8"
+                needed, there = (5, 4) if to else (8, 5)
+                done = self.kpf("amplify", source, "out.mkv", "--frequency", frequency, *to)
+                self.assertEqual(done[:2], (code, ""), done)
+                self.assertIn("kpf: the window needs %d frames, and there are %d\n"
+                              % (needed, there), done[2])
+                self.assertNotIn("out.mkv", os.listdir(self.folder))
+        self.assertIn("Choose a --frequency of 12.5, or a longer clip.",
+                      self.kpf("amplify", "eight.kpf", "-", "--frequency", "8")[2])
+        self.assertIn("Give a clip of at least 5 frames.",
+                      self.kpf("amplify", "eight.kpf", "-", "--to", "3")[2])
+
+    def test_frequency_that_is_advised_fits(self):
+        for frames in (5, 6, 8, 11, 30):
+            self.write("video.y4m", y4m([[n] * 24 for n in range(frames)], 6, 4))
+            _, _, err = self.kpf("amplify", "video.y4m", "-", "--frequency", "0.1")
+            advised = re.search(r"--frequency (?:from|of) ([\d.]*\d)", err).group(1)
+            self.assertEqual(len(self.raw("video.y4m", "-", "--frequency", advised)), 24 * frames)
+
+    def test_wrapping_is_said(self):
+        # At the last frame one half of the picture is 85 above the reference.
+        frames = [[10] * 24] * 4 + [[10] * 12 + [110] * 12]
+        self.write("video.y4m", y4m(frames, 6, 4))
+        common = ("amplify", "video.y4m", "out.mkv", "--frequency", "12", "--force")
+        self.assertEqual(self.kpf(*common, "--gain", "4"),
+                         (0, "", "kpf: 50.0 % of the pixels wrap at a gain of 4, and are dark where "
+                                 "they should be bright; with --gain 3 none would\n"))
+        self.assertEqual(self.kpf(*common, "--gain", "3"), (0, "", ""))
+        self.assertEqual(self.kpf(*common, "--gain", "4", "--quiet"), (0, "", ""))
 
     def test_made_scene_shows_its_motion_only_when_amplified(self):
         subprocess.run([os.environ["MAKE_SCENE"], "scene.y4m"], cwd=self.folder, check=True)

@@ -32,7 +32,9 @@ class Overwrite(VideoTest):
         for command, name in (("export", "old.mkv"), ("export", "old.png"), ("amplify", "old.mp4"),
                               ("amplify", "old.png")):
             self.write(name, b"mine")
-            one = () if name.endswith(("mkv", "mp4")) else ("--to", "0")
+            one = () if name.endswith(("mkv", "mp4")) else ("--from", "4", "--to", "4")
+            if command == "amplify":
+                one += ("--frequency", "12")
             self.keeps(name + " is there already", command, "eight.kpf", name, *one)
             self.assertEqual(self.kpf(command, "eight.kpf", name, *one, "--force"), (0, "", ""))
             self.assertNotEqual(self.read(name), b"mine")
@@ -42,7 +44,8 @@ class Overwrite(VideoTest):
     def test_one_image_in_the_way_keeps_all(self):
         self.write("f_003.png", b"mine")
         self.keeps("f_003.png is there already", "export", "eight.kpf", "f_%03d.png")
-        self.keeps("f_003.png is there already", "amplify", "eight.y4m", "f_%03d.png")
+        self.keeps("f_003.png is there already", "amplify", "eight.y4m", "f_%03d.png",
+                   "--frequency", "12")
         self.assertEqual(self.kpf("export", "eight.kpf", "f_%03d.png", "--to", "2"), (0, "", ""))
         self.assertEqual(self.kpf("export", "eight.kpf", "f_%03d.png", "--from", "4"), (0, "", ""))
         self.assertEqual(self.read("f_003.png"), b"mine")
@@ -59,7 +62,8 @@ class Overwrite(VideoTest):
                                ("i_%02d.png", "i_%02d.png"), ("i_%2d.png", "i_%02d.png"),
                                ("eight.kpf", "data.mkv")):
             for force in ((), ("--force",)):
-                self.keeps("is what is read", "amplify", source, target, *force)
+                self.keeps("is what is read", "amplify", source, target, "--frequency",
+                           "12", *force)
         self.keeps("is what is read", "export", "eight.kpf", "data.mkv", "--force")
         self.keeps("is what is read", "record", "own.mkv", "own.mkv", "--force")
 
@@ -92,11 +96,14 @@ class Overwrite(VideoTest):
         self.keeps("no such frames", "export", "eight.kpf", "old.mkv", "--force", "--from", "99")
 
     def test_several_frames_want_a_pattern(self):
-        self.keeps("5 frames do not go into one image", "amplify", "eight.kpf", "one.png")
-        self.keeps("do not go into one image", "amplify", "eight.y4m", "one.png")
-        self.keeps("2 frames do not go into one image", "amplify", "eight.y4m", "one.png", "--to",
-                   "1")
-        self.assertEqual(self.kpf("amplify", "eight.y4m", "one.png", "--to", "0"), (0, "", ""))
+        self.keeps("5 frames do not go into one image", "amplify", "eight.kpf", "one.png",
+                   "--frequency", "12")
+        self.keeps("do not go into one image", "amplify", "eight.y4m", "one.png",
+                   "--frequency", "12")
+        self.keeps("2 frames do not go into one image", "amplify", "eight.y4m", "one.png", "--from",
+                   "3", "--to", "4", "--frequency", "12")
+        self.assertEqual(self.kpf("amplify", "eight.y4m", "one.png", "--from", "4", "--to", "4",
+                                  "--frequency", "12"), (0, "", ""))
 
     def test_pattern_is_one_padded_number(self):
         for name in ("f_%d.png", "f_%3d.png", "f_%03d_%03d.png", "f_%s.png", "f_%.tif", "f_%%.png"):

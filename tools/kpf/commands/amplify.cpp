@@ -15,6 +15,7 @@
 #include "tools/kpf/commands/open.h"
 #include "tools/kpf/frames/amplifier.h"
 #include "tools/kpf/frames/comparison.h"
+#include "tools/kpf/frames/motion_limits.h"
 #include "tools/kpf/terminal/captured_output.h"
 #include "tools/kpf/terminal/interrupt.h"
 #include "tools/kpf/terminal/progress.h"
@@ -22,6 +23,12 @@
 
 namespace KPF_TOOL {
 namespace {
+
+// Differences of 1 wrap above the first, and FFmpeg holds no rate that is far beyond the others.
+constexpr double kHighestGain = 255;
+constexpr double kLowestRate = 0.001;
+constexpr double kLowestFrequency = 0.0001;
+constexpr double kHighestRate = 1000000;
 
 struct AmplifyOptions {
   std::string input;     // a recording, or whatever FFmpeg opens
@@ -48,7 +55,15 @@ double checkedRate(const FrameSource& source, const AmplifyOptions& options) {
         fmt::format("{:g} frames/s do not show a motion of {:g} Hz", rate, options.frequency),
         "Choose a --frequency of at most half the frame rate.");
   }
-  // The window spans three cycles, and the library counts its frames in an int.
+  // The library counts the samples of a frame in an int,
+  const std::uint64_t samples = std::uint64_t{source.width()} * source.height();
+  if (samples > std::numeric_limits<int>::max()) {
+    throw ToolError(Outcome::kWrongUsage,
+                    fmt::format("frames of {} x {} pixels are too large to amplify", source.width(),
+                                source.height()),
+                    "Make the video smaller.");
+  }
+  // and the frames of its window, which spans three cycles.
   if (rate / options.frequency * 3 > std::numeric_limits<int>::max()) {
     throw ToolError(Outcome::kWrongUsage, "the window would hold too many frames",
                     "Choose a higher --frequency.");
@@ -66,7 +81,9 @@ class AmplifyRun {
         frames_(framesAskedFor(source, options.range, options.input)),
         amplifier_({rate_, options.frequency, static_cast<int>(source.width()),
                     static_cast<int>(source.height()), options.gain}),
+        wrapping_(options.gain),
         frame_(source.frameSize()) {
+    if (source.frameCount() > 0) checkWindow(lastOf(source.frameCount()) + 1, Outcome::kWrongUsage);
     PictureFormat format{source.width(), source.height(),       Samples::k8Bit,
                          rate_,          options.range.first(), frames_};
     if (options.compare) {
@@ -90,18 +107,33 @@ class AmplifyRun {
          ++number) {
       source_.copyTo(frame_.data(), source_.rowSize());
       amplifier_.add(frame_);
+      if (amplifier_.available()) wrapping_.add(frame_, amplifier_.reference());
       if (!options_.range.holds(number)) continue;
       output_->add(picture());
       progress.show(++shown);
     }
-    // Nothing is replaced by a video without frames.
-    if (shown > 0) output_->finish();
+    // Nothing is replaced by a video without frames, or by one that is only copied.
+    if (shown == 0) return 0;
+    if (!Interrupt::requested()) checkWindow(number, Outcome::kCutShort);
+    output_->finish();
     return shown;
   }
+
+  const Wrapping& wrapping() const { return wrapping_; }
 
  private:
   std::string caption() const {
     return fmt::format("AMPLIFIED {:g}X AT {:g} HZ", options_.gain, options_.frequency);
+  }
+
+  std::uint64_t lastOf(std::uint64_t count) const {
+    return std::min(options_.range.to.value_or(count - 1), count - 1);
+  }
+
+  /// @param end the number behind the last frame. @throws ToolError when none is amplified.
+  void checkWindow(std::uint64_t end, Outcome outcome) const {
+    const auto answer = tooFewFrames(rate_, amplifier_.fillingFrames() + 1, end);
+    if (answer) throw ToolError(outcome, answer->problem, answer->advice);
   }
 
   const unsigned char* picture() {
@@ -115,6 +147,7 @@ class AmplifyRun {
   double rate_;
   std::optional<std::uint64_t> frames_;  // to be written; nothing where nobody knows
   Amplifier amplifier_;
+  Wrapping wrapping_;
   std::vector<unsigned char> frame_;
   std::optional<Comparison> comparison_;  // nothing where only the amplified frame is wanted
   std::unique_ptr<PictureOutput> output_;
@@ -130,6 +163,8 @@ Outcome runAmplify(const AmplifyOptions& options) {
     fmt::print(stderr, "kpf: interrupted after {} frames\n", shown);
     return Outcome::kCutShort;
   }
+  const auto remark = job.wrapping().remark();
+  if (remark && !options.quiet) fmt::print(stderr, "kpf: {}\n", *remark);
   if (shown > 0) return Outcome::kDone;
   throw noSuchFrames(options.input, "it ends before them");
 }
@@ -142,12 +177,13 @@ void addAmplify(CLI::App& app, Job& job) {
   line.add_option("INPUT", options.input, "recording (.kpf), or what record takes")->required();
   line.add_option("OUT", options.output, ".mkv, .mp4, frame_%06d.png or .tif, - raw")->required();
   line.add_option("--frequency", options.frequency, "of the motion, in hertz")
-      ->check(CLI::PositiveNumber)
+      ->check(between(kLowestFrequency, kHighestRate / 2))
       ->capture_default_str();
   line.add_option("--gain", options.gain, "on what differs from the reference")
+      ->check(between(0, kHighestGain))
       ->capture_default_str();
   line.add_option("--rate", options.rate, "frames per second instead of the input's")
-      ->check(CLI::PositiveNumber);
+      ->check(between(kLowestRate, kHighestRate));
   line.add_flag("--compare", options.compare, "original, reference, amplified side by side");
   addRange(line, options.range);
   line.add_flag("--force", options.force, "replace files that are there");

@@ -24,7 +24,8 @@ void Amplifier::add(const std::vector<unsigned char>& frame) {
   auto* const taken = static_cast<unsigned char*>(::operator new(size_));
   std::copy(frame.begin(), frame.end(), taken);
   if (vxMAAddFrame(handle_, taken) != VLM_SUCCESS) ::operator delete(taken);
-  if (vxMAAvailable(handle_)) {
+  available_ = vxMAAvailable(handle_);
+  if (available_) {
     vxMAGetFrame(handle_, amplified_.data());
     vxMAGetRefFrame(handle_, reference_.data());
   } else {

@@ -25,6 +25,9 @@ class Amplifier {
   /// @param frame 8-bit samples of the size in the parameters.
   void add(const std::vector<unsigned char>& frame);
 
+  /// Whether the frame that was added last is amplified, or the window still fills.
+  bool available() const { return available_; }
+
   const std::vector<unsigned char>& reference() const { return reference_; }
   const std::vector<unsigned char>& amplified() const { return amplified_; }
 
@@ -33,6 +36,7 @@ class Amplifier {
   unsigned handle_;
   std::vector<unsigned char> reference_;
   std::vector<unsigned char> amplified_;
+  bool available_ = false;
 };
 
 }  // namespace KPF_TOOL
