@@ -190,6 +190,13 @@ class Amplify(VideoTest):
             advised = re.search(r"--frequency (?:from|of) ([\d.]*\d)", err).group(1)
             self.assertEqual(len(self.raw("video.y4m", "-", "--frequency", advised)), 24 * frames)
 
+    def test_range_beyond_the_end_is_said(self):
+        self.record("eight.y4m", "eight.kpf", "--quiet")
+        for source in ("eight.kpf", "eight.y4m"):
+            done = self.kpf("amplify", source, "out.mkv", "--frequency", "12", "--gain", "0", "--to",
+                            "7", "--force")
+            self.assertEqual(done, (0, "", "kpf: --to 7 is beyond the end: the last frame is 4\n"))
+
     def test_wrapping_is_said(self):
         # At the last frame one half of the picture is 85 above the reference.
         frames = [[10] * 24] * 4 + [[10] * 12 + [110] * 12]

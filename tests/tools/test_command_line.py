@@ -48,6 +48,18 @@ class CommandLine(RecordingTest):
                                   check=False)
             self.assertEqual(done.returncode, 1)
 
+    def test_mistyped_command_is_named_with_the_nearest(self):
+        for typed, meant in (("exprot", "export"), ("inof", "info"), ("amplfy", "amplify"),
+                             ("verfiy", "verify"), ("Record", "record"), ("infoo", "info")):
+            code, out, err = self.kpf(typed, "clip.kpf")
+            self.assertEqual((code, out), (2, ""), typed)
+            self.assertEqual(err, 'kpf: "%s" is no command\nDid you mean %s? See kpf --help.\n'
+                             % (typed, meant))
+        for typed in ("sheets", "x", "", "clip.kpf"):
+            code, out, err = self.kpf(typed)
+            self.assertEqual((code, out), (2, ""), typed)
+            self.assertIn("is no command\nSee kpf --help", err)
+
     def test_wrong_usage(self):
         for arguments in ((), ("unknown",), ("info",), ("info", "clip.kpf", "--unknown")):
             code, out, err = self.kpf(*arguments)

@@ -90,8 +90,27 @@ class Export(VideoTest):
     def test_odd_sizes_can_be_viewed_too(self):
         self.write("odd.y4m", y4m([list(range(35))] * 2, 7, 5))
         self.record("odd.y4m", "odd.kpf", "--quiet")
-        self.export("odd.kpf", "odd.mp4")
-        self.assertEqual(self.read("odd.mp4")[4:8], b"ftyp")
+        for name in ("odd.mp4", "odd.mov", "odd.avi"):
+            self.assertEqual(self.kpf("export", "odd.kpf", name),
+                             (0, "", "kpf: frames of 7 x 5 pixels are padded to 8 x 6, which "
+                                     "players show\n"))
+            again = name.replace(".", "_")
+            self.record(name, again + ".kpf", "--quiet")
+            header = self.read(again + ".kpf")
+            self.assertEqual(struct.unpack("<HH", header[176:180]), (8, 6))
+            rows = self.read("%s/%s_0001.div" % (again, again))[16:16 + 48]
+            for y in range(6):  # lossy: nearly the last column and row again
+                self.assertAlmostEqual(rows[8 * y + 7], rows[8 * y + 6], delta=6)
+                self.assertAlmostEqual(rows[8 * 5 + y], rows[8 * 4 + y], delta=6)
+
+    def test_extensions_are_known_in_capitals_too(self):
+        for name, begin in (("a.MKV", b"\x1aE\xdf\xa3"), ("a.Png", b"\x89PNG"), ("a.TIFF", b"II*\0")):
+            self.export("eight.kpf", name, "--to", "0")
+            self.assertEqual(self.read(name)[:4], begin)
+
+    def test_range_beyond_the_end_is_said(self):
+        done = self.kpf("export", "eight.kpf", "out.mkv", "--from", "3", "--to", "7")
+        self.assertEqual(done, (0, "", "kpf: --to 7 is beyond the end: the last frame is 4\n"))
 
     def long_recording(self, frames=4000):
         """So many small frames that nobody exports them within a tenth of a second."""

@@ -3,10 +3,13 @@
 
 #include <cstdio>
 #include <exception>
+#include <string>
+#include <vector>
 
 #include "kpf_reader.h"
 #include "tools/kpf/command_line.h"
 #include "tools/kpf/terminal/json.h"
+#include "tools/kpf/terminal/nearest.h"
 #include "tools/kpf/terminal/standard_output.h"
 #include "tools/kpf/terminal/text.h"
 #include "tools/kpf/terminal/tool_error.h"
@@ -52,8 +55,25 @@ Outcome reportUsage(const CLI::App& app, const CLI::ParseError& error) {
   return failed(app, {Outcome::kWrongUsage, error.what(), "See --help."});
 }
 
+/// The first word is the command. @throws ToolError when there is none of that name: the parser
+/// would only miss one.
+void checkCommand(const CLI::App& app, int argc, char** argv) {
+  if (argc < 2 || argv[1][0] == '-') return;
+  const std::string written = argv[1];
+  std::vector<std::string> names;
+  for (const CLI::App* command : app.get_subcommands({})) {
+    if (command->get_name() == written) return;
+    if (!command->get_group().empty()) names.push_back(command->get_name());
+  }
+  const std::string nearest = nearestWord(written, names);
+  throw ToolError(Outcome::kWrongUsage, fmt::format("{} is no command", quoted(written)),
+                  nearest.empty() ? "See kpf --help for those there are."
+                                  : fmt::format("Did you mean {}? See kpf --help.", nearest));
+}
+
 Outcome run(CLI::App& app, const Job& job, int argc, char** argv) {
   try {
+    checkCommand(app, argc, argv);
     app.parse(argc, argv);
     return job();
   } catch (const CLI::ParseError& error) {

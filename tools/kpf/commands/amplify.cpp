@@ -97,6 +97,7 @@ class AmplifyRun {
 
   /// @return frames written.
   std::uint64_t run() {
+    remark(options_.quiet, output_->remark());
     Progress progress(options_.quiet, frames_.value_or(0));
     // The window is filled from the frames before the first one that is asked for.
     const std::uint64_t first = options_.range.first();
@@ -114,12 +115,18 @@ class AmplifyRun {
     }
     // Nothing is replaced by a video without frames, or by one that is only copied.
     if (shown == 0) return 0;
-    if (!Interrupt::requested()) checkWindow(number, Outcome::kCutShort);
+    if (!Interrupt::requested()) {
+      checkWindow(number, Outcome::kCutShort);
+      end_ = number;
+    }
     output_->finish();
     return shown;
   }
 
-  const Wrapping& wrapping() const { return wrapping_; }
+  /// What the user should know of the frames that were written.
+  std::vector<std::string> remarks() const {
+    return {end_ ? beyondEnd(options_.range, *end_) : "", wrapping_.remark()};
+  }
 
  private:
   std::string caption() const {
@@ -148,6 +155,7 @@ class AmplifyRun {
   std::optional<std::uint64_t> frames_;  // to be written; nothing where nobody knows
   Amplifier amplifier_;
   Wrapping wrapping_;
+  std::optional<std::uint64_t> end_;  // the number behind the last frame, once that is known
   std::vector<unsigned char> frame_;
   std::optional<Comparison> comparison_;  // nothing where only the amplified frame is wanted
   std::unique_ptr<PictureOutput> output_;
@@ -163,8 +171,7 @@ Outcome runAmplify(const AmplifyOptions& options) {
     fmt::print(stderr, "kpf: interrupted after {} frames\n", shown);
     return Outcome::kCutShort;
   }
-  const auto remark = job.wrapping().remark();
-  if (remark && !options.quiet) fmt::print(stderr, "kpf: {}\n", *remark);
+  for (const std::string& line : job.remarks()) remark(options.quiet, line);
   if (shown > 0) return Outcome::kDone;
   throw noSuchFrames(options.input, "it ends before them");
 }

@@ -57,6 +57,8 @@ Outcome runExport(const ExportOptions& options) {
   const auto frames = framesAskedFor(*source, options.range, options.file);
   if (!frames || source->frameCount() == 0) throw noSuchFrames(options.file, "it has none at all");
   const auto output = openOutputFor(*source, *frames, options);
+  remark(options.quiet, beyondEnd(options.range, source->frameCount()));
+  remark(options.quiet, output->remark());
   const std::uint64_t done = copyFrames(*source, *output, options, *frames);
   if (done == *frames) return Outcome::kDone;
   fmt::print(stderr, "kpf: {} of {} frames exported: interrupted\n", done, *frames);

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <limits>
 #include <vector>
 
@@ -71,6 +72,15 @@ std::optional<std::uint64_t> framesAskedFor(const FrameSource& source, const Fra
   const std::uint64_t frames = range.framesOf(count);
   if (frames > 0) return frames;
   throw noSuchFrames(name, fmt::format("it has {}, from 0 on", count));
+}
+
+std::string beyondEnd(const FrameRange& range, std::uint64_t count) {
+  if (!range.to || *range.to < count) return "";
+  return fmt::format("--to {} is beyond the end: the last frame is {}", *range.to, count - 1);
+}
+
+void remark(bool quiet, const std::string& line) {
+  if (!quiet && !line.empty()) fmt::print(stderr, "kpf: {}\n", line);
 }
 
 }  // namespace KPF_TOOL

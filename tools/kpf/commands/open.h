@@ -36,6 +36,12 @@ ToolError noSuchFrames(const std::string& name, const std::string& why);
 std::optional<std::uint64_t> framesAskedFor(const FrameSource& source, const FrameRange& range,
                                             const std::string& name);
 
+/// What to say of a range that ends behind the last of `count` frames; empty when it does not.
+std::string beyondEnd(const FrameRange& range, std::uint64_t count);
+
+/// Prints a line that is worth knowing and no failure; an empty one is none.
+void remark(bool quiet, const std::string& line);
+
 }  // namespace KPF_TOOL
 
 #endif

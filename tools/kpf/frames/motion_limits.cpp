@@ -60,8 +60,8 @@ void Wrapping::add(const std::vector<unsigned char>& frame,
   pixels_ += frame.size();
 }
 
-std::optional<std::string> Wrapping::remark() const {
-  if (wrapped_ * kOneInSoMany <= pixels_) return std::nullopt;
+std::string Wrapping::remark() const {
+  if (wrapped_ * kOneInSoMany <= pixels_) return "";
   const double share = 100.0 * static_cast<double>(wrapped_) / static_cast<double>(pixels_);
   // Cut to a tenth: the next one would wrap.
   const double gain = std::floor((kLevels - 0.01) / largest_ * 10) / 10;

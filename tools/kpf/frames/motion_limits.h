@@ -28,8 +28,8 @@ class Wrapping {
   /// A frame and the reference that it was amplified against.
   void add(const std::vector<unsigned char>& frame, const std::vector<unsigned char>& reference);
 
-  /// A line for the user when more than one pixel in a hundred wrapped; else nothing.
-  std::optional<std::string> remark() const;
+  /// A line for the user when more than one pixel in a hundred wrapped; else empty.
+  std::string remark() const;
 
  private:
   double gain_;

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string>
 
 #include "tools/kpf/frames/samples.h"
 
@@ -31,6 +32,9 @@ class PictureOutput {
   /// @param rows the frame, rows without gaps, in the samples of its format.
   /// @throws ToolError when it cannot be written.
   virtual void add(const unsigned char* rows) = 0;
+
+  /// What the user should know of the pictures before they are made; mostly nothing.
+  virtual std::string remark() const { return ""; }
 
   /// Completes the file and gives it its name. Without it a video is not kept; images and raw
   /// frames are, each from the moment it was added. @throws ToolError as add does.

@@ -16,22 +16,24 @@ namespace {
 constexpr const char* kAdvice =
     "Give a name in .mkv (lossless), .mp4, .png, .tif (with %06d for more than one), or - .";
 
-/// Most players want colour at half the resolution, which odd sizes do not have.
-AVPixelFormat viewingFormat(const PictureFormat& format) {
-  const bool even = format.width % 2 == 0 && format.height % 2 == 0;
-  return even ? AV_PIX_FMT_YUV420P : AV_PIX_FMT_YUV444P;
+std::string lowerCase(std::string text) {
+  // Only letters that extensions are made of, whatever the locale says.
+  for (char& letter : text) {
+    if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
+  }
+  return text;
 }
 
-/// For looking at.
-Encoding viewingEncoding(const PictureFormat& format, const char* muxer) {
+/// For looking at: players want colour at half the resolution, and so even sizes.
+Encoding viewingEncoding(const char* muxer) {
   const AVCodec* const h264 = avcodec_find_encoder_by_name("libx264");
-  if (h264 != nullptr) return {h264, viewingFormat(format), muxer};
-  return {avcodec_find_encoder(AV_CODEC_ID_MPEG4), AV_PIX_FMT_YUV420P, muxer};
+  const AVCodec* const codec = h264 != nullptr ? h264 : avcodec_find_encoder(AV_CODEC_ID_MPEG4);
+  return {codec, AV_PIX_FMT_YUV420P, muxer, true};
 }
 
 /// Lossless where the samples are to come back: see openEncodedOutput. @throws ToolError.
 Encoding encodingFor(const std::string& name, const PictureFormat& format) {
-  const std::string extension = std::filesystem::path(name).extension().string();
+  const std::string extension = lowerCase(std::filesystem::path(name).extension().string());
   const bool deep = format.samples == Samples::k16Bit;
   const auto find = [](AVCodecID id) { return avcodec_find_encoder(id); };
   if (extension == ".mkv") {
@@ -44,7 +46,7 @@ Encoding encodingFor(const std::string& name, const PictureFormat& format) {
     return {find(AV_CODEC_ID_TIFF), deep ? AV_PIX_FMT_GRAY16LE : AV_PIX_FMT_GRAY8};
   }
   for (const char* const muxer : {"mp4", "mov", "avi"}) {
-    if (extension == std::string(".") + muxer) return viewingEncoding(format, muxer);
+    if (extension == std::string(".") + muxer) return viewingEncoding(muxer);
   }
   throw ToolError(Outcome::kWrongUsage,
                   fmt::format("{} has no extension that is known", escaped(name)), kAdvice);

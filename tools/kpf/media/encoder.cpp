@@ -2,6 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <cstddef>
+
 #include "tools/kpf/terminal/text.h"
 
 namespace KPF_TOOL {
@@ -24,8 +27,9 @@ Encoder::Encoder(const std::string& name, const PictureFormat& format, const Enc
 }
 
 void Encoder::openCodec(const Encoding& encoding, int flags) {
-  codec_->width = static_cast<int>(format_.width);
-  codec_->height = static_cast<int>(format_.height);
+  const unsigned odd = encoding.even ? 1 : 0;
+  codec_->width = static_cast<int>(format_.width + (format_.width & odd));
+  codec_->height = static_cast<int>(format_.height + (format_.height & odd));
   codec_->pix_fmt = encoding.pixels;
   codec_->framerate = av_d2q(format_.frameRate, 1000000);
   codec_->time_base = av_inv_q(codec_->framerate);
@@ -51,13 +55,39 @@ void Encoder::openFrame() {
                                codec_->pix_fmt, SWS_BICUBIC | SWS_ACCURATE_RND, nullptr, nullptr,
                                nullptr));
   if (!scaler_) throw cannotWrite(name_, AVERROR(EINVAL));
+  if (remark().empty()) return;
+  padded_.resize(static_cast<std::size_t>(codec_->width) * bytesOf(format_.samples) *
+                 static_cast<std::size_t>(codec_->height));
+}
+
+std::string Encoder::remark() const {
+  const auto width = static_cast<unsigned>(codec_->width);
+  const auto height = static_cast<unsigned>(codec_->height);
+  if (width == format_.width && height == format_.height) return "";
+  return fmt::format("frames of {} x {} pixels are padded to {} x {}, which players show",
+                     format_.width, format_.height, width, height);
+}
+
+/// The last column and the last row again: black would show as an edge.
+const unsigned char* Encoder::padded(const unsigned char* rows) {
+  if (padded_.empty()) return rows;
+  const std::size_t sample = bytesOf(format_.samples);
+  const std::size_t stride = static_cast<std::size_t>(codec_->width) * sample;
+  for (unsigned y = 0; y < static_cast<unsigned>(codec_->height); ++y) {
+    const unsigned char* const row = rows + std::min(y, format_.height - 1) * format_.rowSize();
+    unsigned char* const out = padded_.data() + y * stride;
+    std::copy_n(row, format_.rowSize(), out);
+    std::copy_n(row + format_.rowSize() - sample, stride - format_.rowSize(),
+                out + format_.rowSize());
+  }
+  return padded_.data();
 }
 
 void Encoder::encode(const unsigned char* rows, const Take& take) {
   // The encoder may still look at the frame before.
   check(av_frame_make_writable(frame_.get()));
-  const std::uint8_t* const planes[] = {rows};
-  const int strides[] = {static_cast<int>(format_.rowSize())};
+  const std::uint8_t* const planes[] = {padded(rows)};
+  const int strides[] = {codec_->width * static_cast<int>(bytesOf(format_.samples))};
   sws_scale(scaler_.get(), planes, strides, 0, frame_->height, frame_->data, frame_->linesize);
   frame_->pts = count_++;
   check(avcodec_send_frame(codec_.get(), frame_.get()));

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "tools/kpf/frames/picture_output.h"
 #include "tools/kpf/media/ffmpeg.h"
@@ -17,6 +18,7 @@ struct Encoding {
   const AVCodec* codec = nullptr;
   AVPixelFormat pixels = AV_PIX_FMT_NONE;
   const char* muxer = nullptr;  // FFmpeg's name for the container; null: images
+  bool even = false;            // whether odd sizes are padded to even ones
 };
 
 /// What FFmpeg says about a file that it does not write.
@@ -39,6 +41,8 @@ class Encoder {
   void finish(const Take& take);
 
   const AVCodecContext& context() const { return *codec_; }
+  /// What the user should know of the pictures; mostly nothing.
+  std::string remark() const;
 
  private:
   void check(int result) const {
@@ -46,6 +50,7 @@ class Encoder {
   }
   void openCodec(const Encoding& encoding, int flags);
   void openFrame();
+  const unsigned char* padded(const unsigned char* rows);
   void givePackets(const Take& take);
 
   std::string name_;
@@ -54,7 +59,8 @@ class Encoder {
   PacketPtr packet_;
   FramePtr frame_;
   ScalerPtr scaler_;
-  std::int64_t count_ = 0;  // frames encoded so far
+  std::vector<unsigned char> padded_;  // the frame in its even size; empty where that is its own
+  std::int64_t count_ = 0;             // frames encoded so far
 };
 
 }  // namespace KPF_TOOL

@@ -33,6 +33,8 @@ class VideoOutput : public PictureOutput {
     encoder_.encode(rows, [this](AVPacket& packet) { write(packet); });
   }
 
+  std::string remark() const override { return encoder_.remark(); }
+
   void finish() override {
     encoder_.finish([this](AVPacket& packet) { write(packet); });
     check(av_write_trailer(container_.get()));

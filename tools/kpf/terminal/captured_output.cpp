@@ -1,5 +1,6 @@
 #include "tools/kpf/terminal/captured_output.h"
 
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -7,10 +8,12 @@
 
 namespace KPF_TOOL {
 
-CapturedOutput::CapturedOutput() : captured_(std::tmpfile()), output_(-1) {
+// A file in memory: the folder for temporary ones may be read-only or full.
+CapturedOutput::CapturedOutput()
+    : captured_(fdopen(memfd_create("log lines", MFD_CLOEXEC), "w+")), output_(-1) {
   if (captured_ == nullptr) {
-    throw ToolError(Outcome::kWriteFailed, "no temporary file can be made",
-                    "Make room in the folder for temporary files, or set TMPDIR.");
+    throw ToolError(Outcome::kFailed, "the system gives no memory for the library's log lines",
+                    "Close other programs.");
   }
   // What was printed before belongs to the real output.
   std::fflush(stdout);

@@ -9,12 +9,12 @@ namespace KPF_TOOL {
 /**
  * Keeps the library's log lines off standard output, which is for results.
  *
- * The library writes each line to standard output; while this lives, that is a temporary file. Any
+ * The library writes each line to standard output; while this lives, that is a file in memory. Any
  * line means trouble, which is how a disk that fails in the middle of a recording is noticed.
  */
 class CapturedOutput {
  public:
-  /// @throws ToolError where no temporary file can be made.
+  /// @throws ToolError where the system gives no such file.
   CapturedOutput();
   ~CapturedOutput();
   CapturedOutput(const CapturedOutput&) = delete;
