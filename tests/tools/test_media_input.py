@@ -225,6 +225,47 @@ class WayBack(MediaInput):
         self.assertIn("MP4 and MOV cannot be piped", err)
 
 
+@unittest.skipUnless(FFMPEG, "needs ffmpeg to make a video")
+class Shown(MediaInput):
+    """What a player does and record does not is told."""
+
+    def check_remark(self, name, remark):
+        code, out, err = self.kpf("record", name, "out.kpf", "--force", *self.start)
+        self.assertEqual((code, out), (0, "./out.kpf: 5 frames recorded, 0 placeholders\n"))
+        self.assertEqual(err, "kpf: %s\n" % remark)
+        self.assertEqual(self.frames(), [bytes(frame) for frame in self.eight])
+
+    def make(self, name, *arguments):
+        subprocess.run([FFMPEG, "-v", "error", "-i", "eight.y4m", *arguments, name],
+                       cwd=self.folder, check=True, stdin=subprocess.DEVNULL)
+
+    def test_turned(self):
+        self.make("v.mov", "-c:v", "png", "-pix_fmt", "gray")
+        plain = self.read("v.mov")
+        matrix = plain.index(b"tkhd") + 44  # of the track: a b 0 c d 0 x y 1
+        for (a, b, c, d), turn in (((0, 1, -1, 0), "turned by 90 degrees"),
+                                   ((-1, 0, 0, -1), "turned by 180 degrees"),
+                                   ((0, -1, 1, 0), "turned by 270 degrees"),
+                                   ((-1, 0, 0, 1), "mirrored")):
+            turned = struct.pack(">9i", a << 16, b << 16, 0, c << 16, d << 16, 0, 0, 0, 1 << 30)
+            self.write("v.mov", plain[:matrix] + turned + plain[matrix + 36:])
+            self.check_remark("v.mov", "players show v.mov %s: frames are taken as they are stored"
+                              % turn)
+
+    def test_pixels_that_are_not_square(self):
+        self.make("wide.mkv", "-c:v", "ffv1", "-aspect", "4:1")
+        self.check_remark("wide.mkv", "the pixels of wide.mkv are not square: frames are taken as "
+                                      "they are stored")
+
+    def test_several_videos(self):
+        self.make("two.mkv", "-map", "0", "-map", "0", "-c:v", "ffv1")
+        self.check_remark("two.mkv", "two.mkv holds 2 videos: number 1 is taken")
+        # The one that is marked as the one to show, of several alike.
+        self.make("other.mkv", "-map", "0", "-map", "0", "-c:v", "ffv1", "-disposition:v:0", "0",
+                  "-disposition:v:1", "default")
+        self.check_remark("other.mkv", "other.mkv holds 2 videos: number 2 is taken")
+
+
 class Shut(MediaInput):
     """What the user did not name is not opened."""
 

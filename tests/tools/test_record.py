@@ -1,5 +1,6 @@
 """kpf record: bytes on disk, exact output and exit codes."""
 import contextlib
+import json
 import os
 import shutil
 import signal
@@ -235,8 +236,18 @@ class Record(VideoTest):
         self.assertEqual(data[80:120], bytes(40))
         self.assertEqual(data[120:136], stamp(3))
         self.assertEqual(data[136:160], bytes(self.eight[3]))
-        out = self.record("gap.mkv", "closed.kpf", "--rate", "25")
-        self.assertEqual(out, "./closed.kpf: 4 frames recorded, 0 placeholders\n")
+
+    @unittest.skipUnless(shutil.which("ffmpeg"), "needs ffmpeg to drop a frame")
+    def test_gaps_that_are_not_filled_are_told(self):
+        self.make_gap()
+        self.assertEqual(self.kpf("record", "gap.mkv", "closed.kpf", *self.start),
+                         (0, "./closed.kpf: 4 frames recorded, 0 placeholders\n",
+                          "kpf: the frames of gap.mkv are not evenly spaced, 0.20 s of them became "
+                          "0.16 s: --fill-gaps keeps their places\n"))
+        code, _, err = self.kpf("record", "gap.mkv", "slow.kpf", "--fill-gaps", "--rate", "10")
+        self.assertEqual((code, err), (0, "kpf: frames of gap.mkv come faster than they are "
+                                          "recorded, and were moved: a higher --rate keeps their "
+                                          "places\n"))
 
     @unittest.skipUnless(shutil.which("ffmpeg"), "needs ffmpeg to drop a frame")
     def test_recording_may_end_inside_a_gap(self):
@@ -260,7 +271,9 @@ class Record(VideoTest):
         self.assertEqual(code, 0)
         self.assertRegex(out, rb"^./out.kpf: \d+ frames recorded, 0 placeholders\n$")
         self.assertRegex(shown, rb"^\r\x1b\[K\d+ of 100000 frames, \d+ frames/s, \d+:\d\d left")
-        self.assertRegex(shown, rb"left\r\x1b\[K$")  # wiped in the end
+        # Wiped in the end, with one line more.
+        self.assertRegex(shown, rb"left\r\x1b\[K99.9 % of the calls took up to \d+\.\d\d ms, the "
+                                rb"slowest \d+\.\d\d ms; \d+ frames? came late\r\n$")
 
     def test_quiet_says_nothing(self):
         self.assertEqual(self.kpf("record", "eight.y4m", "out.kpf", "--quiet"), (0, "", ""))
@@ -273,7 +286,60 @@ class Record(VideoTest):
         self.assertEqual(err, "kpf: 29.97 frames/s are recorded as 30: the format holds whole "
                               "rates\n")
         self.assertEqual(self.read("out.kpf")[184:192], struct.pack("<d", 30.0))
-        self.refused("tells no frame rate", "eight.y4m", "slow.kpf", "--rate", "0.4")
+
+    def test_numbers_out_of_range_are_named_with_the_range(self):
+        for rate in ("0.1", "nan", "inf", "-25", "2147483648", "ten"):
+            self.refused("%s is no number from 1 to 2147483647" % rate, "eight.y4m", "out.kpf",
+                         "--rate", rate)
+        for duration in ("0", "nan", "inf", "-1"):
+            self.refused("%s is no number from 1e-09 to 1000000000" % duration, "eight.y4m",
+                         "out.kpf", "--duration", duration)
+        for frames in ("0", "-1", "4294967296", "nan"):
+            self.refused("--frames", "eight.y4m", "out.kpf", "--frames", frames)
+        self.assertFalse(os.path.exists(self.path("out.kpf")))
+
+    def test_slow_inputs_want_a_rate(self):
+        self.write("slow.y4m", self.read("eight.y4m").replace(b"F25:1", b"F1:5"))
+        err = self.refused("0.2 frames/s cannot be recorded", "slow.y4m", "out.kpf")
+        self.assertIn("--rate", err)
+        self.record("slow.y4m", "out.kpf", "--rate", "1")
+
+    def test_texts_are_cut_where_their_fields_end(self):
+        for option, offset, size in (("--text", 5, 151), ("--note", 324, 60)):
+            self.record("eight.y4m", "out.kpf", "--force", option, "x" * size)
+            text = "x" * (size - 1) + "\u00fc" + "y"
+            code, _, err = self.kpf("record", "eight.y4m", "out.kpf", "--force", option, text)
+            self.assertEqual((code, err),
+                             (0, "kpf: %s is cut to %d of its %d bytes: its field has %d\n"
+                              % (option, size - 1, size + 2, size)))
+            # Not in the midst of a letter.
+            self.assertEqual(self.read("out.kpf")[offset:offset + size - 1], b"x" * (size - 1))
+            self.assertNotIn(self.read("out.kpf")[offset + size - 1:offset + size + 2],
+                             "\u00fcy".encode())
+
+    def test_json(self):
+        code, out, err = self.kpf("record", "eight.y4m", "out.kpf", "--rate", "29.97", "--json")
+        self.assertEqual(code, 0)
+        told = json.loads(out)
+        self.assertEqual((told["outcome"], told["frames"], told["placeholders"], told["onDisk"],
+                          told["late"], told["trouble"]), ("done", 5, 0, 5, None, None))
+        self.assertEqual(told["remarks"], ["29.97 frames/s are recorded as 30: the format holds "
+                                           "whole rates"])
+        self.assertEqual(err, "kpf: %s\n" % told["remarks"][0])
+        self.assertGreater(told["calls"]["longest"], 0)
+        self.assertLessEqual(told["calls"]["p999"], told["calls"]["longest"])
+        code, out, _ = self.kpf("record", "eight.y4m", "out.kpf", "--json")
+        self.assertEqual((code, json.loads(out)["error"]["name"]), (2, "refused"))
+
+    def test_sources_that_set_the_pace_may_be_late(self):
+        done = subprocess.run([KPF, "record", "-", "out.kpf", "--json"], cwd=self.folder,
+                              input=self.read("eight.y4m"), capture_output=True, timeout=60,
+                              check=False)
+        self.assertEqual(json.loads(done.stdout)["late"], 0)
+        with open(self.path("eight.y4m"), "rb") as video:
+            done = subprocess.run([KPF, "record", "-", "again.kpf", "--json"], cwd=self.folder,
+                                  stdin=video, capture_output=True, timeout=60, check=False)
+        self.assertIsNone(json.loads(done.stdout)["late"])
 
     def test_input_without_frames(self):
         self.write("none.y4m", y4m([], 6, 4))

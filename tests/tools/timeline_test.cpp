@@ -70,4 +70,65 @@ TEST(Timeline, ATimeBeyondAllReasonStaysANumber) {
             (Places{0, 1000000000000000, 1000000000000001}));
 }
 
+/// Whether frames of these times stand where they belong.
+bool keepsTime(bool fillGaps, double rate, const Times& times, double inputRate = 0) {
+  Timeline timeline(fillGaps, rate, inputRate);
+  for (const auto& time : times) timeline.placeOf(time);
+  return timeline.keepsTime();
+}
+
+TEST(TimelineTimes, AGapThatIsNotFilledMovesFrames) {
+  EXPECT_TRUE(keepsTime(false, 25, {0.0, 0.04, 0.08}));
+  EXPECT_FALSE(keepsTime(false, 25, {0.0, 0.04, 0.12}));
+  EXPECT_TRUE(keepsTime(true, 25, {0.0, 0.04, 0.12}));
+}
+
+TEST(TimelineTimes, FramesCloserThanTheRateAreMoved) {
+  EXPECT_FALSE(keepsTime(false, 25, {0.0, 0.02, 0.04}));
+  EXPECT_FALSE(keepsTime(true, 25, {0.0, 0.02, 0.04}));
+}
+
+TEST(TimelineTimes, FramesThatGoBackAreMoved) {
+  EXPECT_FALSE(keepsTime(false, 25, {0.0, 0.04, 0.0}));
+}
+
+TEST(TimelineTimes, AnotherRateIsTheUsersWish) {
+  EXPECT_TRUE(keepsTime(false, 100, {0.0, 0.04, 0.08}, 25));
+  EXPECT_FALSE(keepsTime(false, 100, {0.0, 0.04, 0.12}, 25));
+  EXPECT_FALSE(keepsTime(true, 10, {0.0, 0.04, 0.08}, 25));
+}
+
+TEST(TimelineTimes, MillisecondsAreFineEnough) {
+  Times times;
+  for (int frame = 0; frame < 100; ++frame) times.push_back(frame / 2 * 0.001);
+  EXPECT_TRUE(keepsTime(false, 2000, times));
+  for (auto& time : times) *time *= 3;
+  EXPECT_FALSE(keepsTime(false, 2000, times));
+}
+
+TEST(TimelineTimes, UnsteadyHandsMoveNothing) {
+  EXPECT_TRUE(keepsTime(false, 10, {0.0, 0.17, 0.13, 0.3}));
+}
+
+TEST(TimelineTimes, ClocksMayDiffer) {
+  Times times;
+  for (int frame = 0; frame < 100000; ++frame) times.push_back(frame * 0.0100005);
+  EXPECT_TRUE(keepsTime(false, 100, times));
+  for (auto& time : times) *time *= 1.001;
+  EXPECT_FALSE(keepsTime(false, 100, times));
+}
+
+TEST(TimelineTimes, SaysHowLongItBecame) {
+  Timeline closed(false, 100, 25);
+  Timeline filled(true, 50);
+  for (const double time : {5.0, 5.04, 5.2}) {
+    closed.placeOf(time);
+    filled.placeOf(time);
+  }
+  EXPECT_NEAR(closed.inputSeconds(), 0.24, 1e-9);
+  EXPECT_NEAR(closed.placedSeconds(), 0.12, 1e-9);
+  EXPECT_NEAR(filled.inputSeconds(), 0.22, 1e-9);
+  EXPECT_NEAR(filled.placedSeconds(), 0.22, 1e-9);
+}
+
 }  // namespace

@@ -1,22 +1,24 @@
 // kpf record: a video becomes a recording.
 #include <fmt/format.h>
 
-#include <algorithm>
-#include <cmath>
 #include <cstdint>
-#include <cstdio>
-#include <limits>
+#include <filesystem>
 #include <memory>
-#include <regex>
 #include <string>
+#include <system_error>
 
+#include "format/kpf_layout.h"
 #include "kpf_reader.h"
 #include "tools/kpf/commands/commands.h"
 #include "tools/kpf/commands/open.h"
+#include "tools/kpf/commands/record_options.h"
 #include "tools/kpf/media/media.h"
+#include "tools/kpf/recording/record_report.h"
+#include "tools/kpf/recording/record_stream.h"
 #include "tools/kpf/recording/recorder.h"
 #include "tools/kpf/recording/start_time.h"
 #include "tools/kpf/recording/target.h"
+#include "tools/kpf/recording/timed_stream.h"
 #include "tools/kpf/recording/timeline.h"
 #include "tools/kpf/terminal/captured_output.h"
 #include "tools/kpf/terminal/interrupt.h"
@@ -28,26 +30,7 @@
 namespace KPF_TOOL {
 namespace {
 
-// Announced where nobody knows the number, and set right in the end: a recorder that is killed on
-// the way leaves a recording that lacks frames, which is what it is.
-constexpr unsigned kMostFrames = LibraryStream::kFramesUnknown;
 constexpr unsigned kLongestSide = 0xFFFF;  // pixels; the header has 16 bits for each side
-
-struct RecordOptions {
-  std::string input;         // whatever FFmpeg opens; "-" standard input
-  std::string output;        // header file
-  int bits = 8;              // 8 or 12
-  std::string raw;           // "640x480:gray8": the input is nothing but frames
-  std::uint64_t frames = 0;  // at most; 0: as many as the input holds
-  double duration = 0;       // in seconds, at most; 0: as long as the input lasts
-  double rate = 0;           // frames per second; 0: the input's
-  std::string start;         // of the first frame; empty: now
-  std::string text;          // text5
-  std::string note;          // text2
-  bool fillGaps = false;     // placeholders where the input's time stamps skip frames
-  bool force = false;        // replace another recording
-  bool quiet = false;
-};
 
 /// What can be found wrong before the input is opened. @return the header file's path.
 std::string checkedHeader(const RecordOptions& options) {
@@ -55,22 +38,6 @@ std::string checkedHeader(const RecordOptions& options) {
   parseStartTime(options.start);
   checkTarget(header, options.force, filesRead(options.input));
   return header;
-}
-
-/// What --raw says. @throws ToolError where it says it otherwise.
-MediaHints hintsOf(const RecordOptions& options) {
-  MediaHints hints;
-  hints.rate = options.rate;
-  if (options.raw.empty()) return hints;
-  static const std::regex form(R"(([1-9]\d{0,4}x[1-9]\d{0,4}):gray(8|12le|16le))");
-  std::smatch match;
-  if (!std::regex_match(options.raw, match, form)) {
-    throw ToolError(Outcome::kWrongUsage, fmt::format("{} is no frame", quoted(options.raw)),
-                    "Write --raw like 640x480:gray8, :gray12le or :gray16le.");
-  }
-  hints.rawSize = match[1].str();
-  hints.rawFormat = match[2].str() == "8" ? "gray" : "gray" + match[2].str();
-  return hints;
 }
 
 std::unique_ptr<FrameSource> openInput(const RecordOptions& options, const MediaHints& hints) {
@@ -83,44 +50,14 @@ std::unique_ptr<FrameSource> openInput(const RecordOptions& options, const Media
   return input;
 }
 
-/// The frame rate to record, which the format holds as a whole number.
-double rateOf(const FrameSource& input, const RecordOptions& options) {
-  const double rate = options.rate > 0 ? options.rate : input.frameRate();
-  const double whole = std::round(rate);
-  if (whole < 1 || whole > std::numeric_limits<int>::max()) {
-    throw ToolError(Outcome::kWrongUsage, fmt::format("{} tells no frame rate", options.input),
-                    "Give one with --rate.");
-  }
-  if (whole != rate && !options.quiet) {
-    fmt::print(stderr, "kpf: {:g} frames/s are recorded as {:g}: the format holds whole rates\n",
-               rate, whole);
-  }
-  if (options.rate == 0 && !options.quiet && tellsNoRate(options.input, hintsOf(options))) {
-    fmt::print(stderr, "kpf: {} tells no frame rate: {:g} is taken, --rate chooses\n",
-               escaped(options.input), whole);
-  }
-  return whole;
-}
-
-bool isLimited(const RecordOptions& options) { return options.frames > 0 || options.duration > 0; }
-
-/// The frames after which to stop.
-std::uint64_t limitOf(const RecordOptions& options, double rate) {
-  double limit = kMostFrames;
-  if (options.frames > 0) limit = std::min(limit, static_cast<double>(options.frames));
-  if (options.duration > 0) {
-    limit = std::min(limit, std::max(1.0, std::round(options.duration * rate)));
-  }
-  return static_cast<std::uint64_t>(limit);
-}
-
 VLM_INTERNAL::VXP_STREAM_CONFIGURATION configurationFor(const FrameSource& input,
                                                         const RecordOptions& options, double rate,
-                                                        std::uint64_t frames) {
+                                                        std::uint64_t frames,
+                                                        RecordReport& report) {
   const StartTime start = parseStartTime(options.start);
   VLM_INTERNAL::VXP_STREAM_CONFIGURATION configuration;
-  configuration.text2 = options.note;
-  configuration.text5 = options.text;
+  configuration.text2 = fitted(options.note, "--note", KPF_FORMAT::HEADER::kText2.size, report);
+  configuration.text5 = fitted(options.text, "--text", KPF_FORMAT::HEADER::kText5.size, report);
   configuration.width = input.width();
   configuration.height = input.height();
   configuration.frameRate = static_cast<int>(rate);
@@ -137,39 +74,25 @@ std::uint64_t recordsOnDisk(const std::string& header) {
   return recording.recordCount();
 }
 
-/// What is wrong with the input although all that it gave is on disk; empty when nothing is.
-std::string lossesOf(const std::string& trouble, const Recorder& recorder) {
-  std::string losses = trouble.empty() ? "" : ": " + trouble;
-  if (recorder.damaged() > 0) {
-    losses = fmt::format(", {} of them placeholders for what is damaged in the input",
-                         recorder.damaged()) +
-             losses;
-  }
-  return losses;
+/// Whether frames come when they are taken, as those of cameras and pipes do, and not when they are
+/// asked for.
+bool setsThePace(const std::string& input) {
+  namespace fs = std::filesystem;
+  std::error_code unknown;
+  const fs::file_status status = fs::status(input == "-" ? "/dev/stdin" : input, unknown);
+  return fs::exists(status) && !fs::is_regular_file(status);
 }
 
-Outcome writeFailed(const std::string& header, const Recorder& recorder) {
-  fmt::print(stderr, "kpf: {}: {} of {} are on disk: the files could not be written, {}\n",
-             escaped(header), recordsOnDisk(header), countText(recorder.written(), "frame"),
-             "is the disk full?");
-  fmt::print(stderr, "What is there can be read; kpf verify tells what is missing.\n");
-  return Outcome::kWriteFailed;
-}
-
-/// Prints the last line. @param trouble why the input ended before its end.
-Outcome conclude(const Recorder& recorder, const std::string& header, const std::string& trouble,
-                 const RecordOptions& options) {
-  const std::string losses = lossesOf(trouble, recorder);
-  const std::string frames = countText(recorder.written(), "frame");
-  if (!losses.empty()) {
-    fmt::print(stderr, "kpf: {}: {} recorded{}\n", escaped(header), frames, losses);
-    return trouble.empty() ? Outcome::kProblemsFound : Outcome::kCutShort;
+/// What to say of frames that do not stand where their times are.
+std::string timeRemark(const Timeline& timeline, const RecordOptions& options) {
+  if (timeline.keepsTime()) return "";
+  if (options.fillGaps) {
+    return fmt::format("frames of {} come faster than they are recorded, and were moved: {}",
+                       escaped(options.input), "a higher --rate keeps their places");
   }
-  if (!options.quiet) {
-    fmt::print("{}: {} recorded, {}\n", escaped(header), frames,
-               countText(recorder.placeholders(), "placeholder"));
-  }
-  return Outcome::kDone;
+  return fmt::format("the frames of {} are not evenly spaced, {:.2f} s of them became {:.2f} s: {}",
+                     escaped(options.input), timeline.inputSeconds(), timeline.placedSeconds(),
+                     "--fill-gaps keeps their places");
 }
 
 /// Runs the loop. @return why the input ended before its end; empty where it did not.
@@ -185,27 +108,45 @@ std::string runLoop(Recorder& recorder, const FrameSource& input, const Captured
   return input.trouble();
 }
 
+RecordResult resultOf(const std::string& header, const Recorder& recorder, const TimedStream& timed,
+                      const RecordOptions& options) {
+  RecordResult result;
+  result.header = header;
+  result.frames = recorder.written();
+  result.placeholders = recorder.placeholders();
+  result.damaged = recorder.damaged();
+  result.onDisk = recordsOnDisk(header);
+  result.within999 = timed.calls().within(0.999);
+  result.longest = timed.calls().longest();
+  if (setsThePace(options.input)) result.late = timed.late();
+  return result;
+}
+
 /// Records into files that are known to be free. @throws ToolError when they cannot be begun.
 Outcome recordInto(const std::string& header, FrameSource& input, const RecordOptions& options,
-                   double rate, std::uint64_t limit) {
+                   double rate, std::uint64_t limit, RecordReport& report) {
   CapturedOutput captured;
-  LibraryStream stream(header, configurationFor(input, options, rate, limit));
+  LibraryStream stream(header, configurationFor(input, options, rate, limit, report));
   if (!stream.isOpen()) {
     captured.release();
     throw ToolError(Outcome::kRefused, fmt::format("cannot begin {}", escaped(header)),
                     "See the lines above.");
   }
-  Recorder recorder(input, stream, limit, Timeline(options.fillGaps, rate));
+  TimedStream timed(stream, rate);
+  Recorder recorder(input, timed, limit, Timeline(options.fillGaps, rate, input.frameRate()));
   const std::string trouble =
-      runLoop(recorder, input, captured, isLimited(options) ? limit : 0, options.quiet);
+      runLoop(recorder, input, captured, options.isLimited() ? limit : 0, options.quiet);
   const bool complaints = captured.any();
   stream.close();
-  bool whole = !complaints && recordsOnDisk(header) == recorder.written();
-  whole = stream.announce(recorder.written(), whole) && whole;
+  RecordResult result = resultOf(header, recorder, timed, options);
+  result.trouble = trouble;
+  const bool whole = !complaints && result.onDisk == result.frames;
+  result.written = stream.announce(result.frames, whole) && whole;
   // The library does not know that the smaller number was made true, and says so.
-  if (whole) captured.drop();
+  if (result.written) captured.drop();
   captured.release();
-  return whole ? conclude(recorder, header, trouble, options) : writeFailed(header, recorder);
+  report.remark(timeRemark(recorder.timeline(), options));
+  return report.conclude(result);
 }
 
 Outcome runRecord(const RecordOptions& options) {
@@ -213,8 +154,10 @@ Outcome runRecord(const RecordOptions& options) {
   const MediaHints hints = hintsOf(options);
   const std::string header = checkedHeader(options);
   const auto input = openInput(options, hints);
-  const double rate = rateOf(*input, options);
-  const std::uint64_t limit = limitOf(options, rate);
+  RecordReport report(options.quiet, options.json);
+  for (const std::string& line : input->remarks()) report.remark(line);
+  const double rate = wholeRate(options, input->frameRate(), report);
+  const std::uint64_t limit = frameLimit(options, rate);
   if (!input->next()) {
     if (Interrupt::requested()) return Outcome::kCutShort;
     throw ToolError(Outcome::kUnreadableInput,
@@ -224,38 +167,17 @@ Outcome runRecord(const RecordOptions& options) {
   if (Interrupt::requested()) return Outcome::kCutShort;
   const std::uint64_t recordSize =
       vxGetPackedSize(input->width(), input->height(), static_cast<unsigned>(options.bits));
-  checkRoom(header, isLimited(options) ? limit * recordSize : recordSize);
+  checkRoom(header, options.isLimited() ? limit * recordSize : recordSize);
   // Only now: what cannot be recorded costs nobody an older recording.
   clearTarget(header, options.force, filesRead(options.input));
-  return recordInto(header, *input, options, rate, limit);
+  return recordInto(header, *input, options, rate, limit, report);
 }
 
 }  // namespace
 
 void addRecord(CLI::App& app, Job& job) {
   const auto [line, options] = addCommand(app, job, "record", "Record a video", runRecord);
-  line.add_option("INPUT", options.input,
-                  "video file, image pattern (f_%04d.png), camera (/dev/video0), or -")
-      ->required();
-  line.add_option("OUT", options.output, "header file to write (.kpf)")->required();
-  line.add_option("--bits", options.bits, "bits a pixel: 8 or 12")
-      ->check(CLI::IsMember({8, 12}))
-      ->capture_default_str();
-  line.add_option("--raw", options.raw,
-                  "the input is bare frames: WIDTHxHEIGHT:gray8, :gray12le or :gray16le");
-  line.add_option("--frames", options.frames, "frames to record at most")
-      ->check(CLI::Range(1U, 0xFFFFFFFFU));
-  line.add_option("--duration", options.duration, "seconds to record at most")
-      ->check(CLI::PositiveNumber);
-  line.add_option("--rate", options.rate, "frames per second instead of the input's")
-      ->check(CLI::PositiveNumber);
-  line.add_option("--start", options.start, "time of the first frame: 2026-11-21T05:00:00Z");
-  line.add_option("--text", options.text, "text to keep in the header file (text5)");
-  line.add_option("--note", options.note, "second text to keep there (text2)");
-  line.add_flag("--fill-gaps", options.fillGaps,
-                "placeholders where the input's time stamps skip frames");
-  line.add_flag("--force", options.force, "replace another recording");
-  line.add_flag("--quiet", options.quiet, "no progress, no summary");
+  addRecordOptions(line, options);
   addFooter(line, "kpf record street.avi clip.kpf --bits 12",
             {"every frame is on disk, up to the end, the limit or Ctrl-C",
              "the input is damaged or ended early, or the disk is full", kNotBegunText});

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "tools/kpf/frames/samples.h"
 
@@ -32,6 +33,9 @@ class FrameSource {
   /// Whether the present frame is not what its recorder or encoder saw: some of it was made up, or
   /// all of it.
   virtual bool isDamaged() const { return false; }
+
+  /// What a player shows in another way than these frames are, or leaves out, or adds: a line each.
+  virtual std::vector<std::string> remarks() const { return {}; }
 
   /// At the end: why it came before that of the input, where it did.
   virtual std::string trouble() const { return {}; }

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "tools/kpf/media/image_numbers.h"
+#include "tools/kpf/media/stream_remarks.h"
 #include "tools/kpf/terminal/interrupt.h"
 #include "tools/kpf/terminal/text.h"
 #include "tools/kpf/terminal/tool_error.h"
@@ -128,6 +129,10 @@ void MediaFile::findVideo() {
   }
   const AVRational rate = av_guess_frame_rate(format_.get(), format_->streams[stream_], nullptr);
   if (rate.num > 0 && rate.den > 0) frameRate_ = av_q2d(rate);
+}
+
+std::vector<std::string> MediaFile::remarks() const {
+  return streamRemarks(*format_, stream_, escaped(name_));
 }
 
 bool MediaFile::read(AVPacket& packet) {

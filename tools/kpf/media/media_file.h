@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "tools/kpf/media/ffmpeg.h"
 #include "tools/kpf/media/media.h"
@@ -26,6 +27,9 @@ class MediaFile {
   const AVCodec& codec() const { return *codec_; }
   /// Frames per second, 0 when nobody says.
   double frameRate() const { return frameRate_; }
+
+  /// What a player does to the video, or would show instead of it: a line each.
+  std::vector<std::string> remarks() const;
 
   /// The next packet of the video; false at the end.
   bool read(AVPacket& packet);

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "tools/kpf/media/decoder.h"
 #include "tools/kpf/media/grey_picture.h"
@@ -32,6 +33,7 @@ class MediaInput : public FrameSource {
 
   bool next() override;
   bool isDamaged() const override { return decoder_.isDamaged(); }
+  std::vector<std::string> remarks() const override { return file_.remarks(); }
   std::string trouble() const override { return file_.trouble(); }
   std::optional<double> time() const override;
   void copyTo(unsigned char* out, std::size_t stride) override;

@@ -1,10 +1,6 @@
 #include "tools/kpf/recording/recorder.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <system_error>
-
-#include "format/kpf_status.h"
 
 namespace KPF_TOOL {
 namespace {
@@ -12,27 +8,6 @@ namespace {
 constexpr std::size_t kRowAlignment = 4;  // bytes; the library takes rows padded to a multiple
 
 }  // namespace
-
-LibraryStream::LibraryStream(const std::string& name,
-                             const VLM_INTERNAL::VXP_STREAM_CONFIGURATION& configuration)
-    : name_(name), handle_(vxCreatePackStreamer(name, configuration)) {}
-
-// What goes wrong the library logs, see CapturedOutput; the results of these calls say less.
-void LibraryStream::addImage(const unsigned char* image) { vxAddTiffImageData(handle_, image); }
-
-void LibraryStream::addPlaceholder() { vxAddPlaceholder(handle_); }
-
-void LibraryStream::close() {
-  if (handle_ != 0) vxClosePackStreamer(handle_);
-  handle_ = 0;
-}
-
-bool LibraryStream::announce(std::uint64_t frames, bool whole) const {
-  if (!KPF_FORMAT::writeFrameCount(name_, static_cast<std::uint32_t>(frames))) return false;
-  std::error_code notThere;
-  if (whole) std::filesystem::remove(KPF_FORMAT::statusFileName(name_), notThere);
-  return true;
-}
 
 Recorder::Recorder(FrameSource& input, RecordStream& stream, std::uint64_t frames,
                    const Timeline& timeline)
