@@ -12,7 +12,7 @@
 
 #include "tools/kpf/commands/commands.h"
 #include "tools/kpf/recording/disk_trial.h"
-#include "tools/kpf/recording/recorder.h"
+#include "tools/kpf/recording/record_stream.h"
 #include "tools/kpf/recording/trial_folder.h"
 #include "tools/kpf/terminal/captured_output.h"
 #include "tools/kpf/terminal/interrupt.h"
