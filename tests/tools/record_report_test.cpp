@@ -90,9 +90,10 @@ TEST_F(ConcludeTest, DamageAndItsReason) {
 TEST_F(ConcludeTest, WhatIsNotOnDiskIsCounted) {
   result_.written = false;
   result_.onDisk = 3;
+  result_.obstacle = "the disk is full";
   conclude(true, false);
   EXPECT_EQ(outcome_, Outcome::kWriteFailed);
-  EXPECT_NE(err_.find("3 of 5 frames are on disk"), std::string::npos) << err_;
+  EXPECT_NE(err_.find("3 of 5 frames are on disk: the disk is full\n"), std::string::npos) << err_;
 }
 
 TEST_F(ConcludeTest, ForPrograms) {

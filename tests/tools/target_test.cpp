@@ -147,4 +147,13 @@ TEST_F(Target, NeedsItsFolder) {
   EXPECT_EQ(outcomeOf([&] { checkRoom(folder_ / "missing/clip.kpf", 1); }), Outcome::kRefused);
 }
 
+TEST_F(Target, AnObstacleIsNamedAsFarAsTheDiskShowsIt) {
+  EXPECT_EQ(obstacleTo(header_, 1), "its files were moved or removed meanwhile");
+  make("clip/clip_0001.div");
+  EXPECT_EQ(obstacleTo(header_, 1), "its files were moved or removed meanwhile");
+  make("clip.kpf");
+  EXPECT_EQ(obstacleTo(header_, std::numeric_limits<std::uint64_t>::max()), "the disk is full");
+  EXPECT_EQ(obstacleTo(header_, 0), "the system did not take the others, see the lines above");
+}
+
 }  // namespace

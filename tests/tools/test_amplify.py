@@ -43,6 +43,11 @@ class Amplify(VideoTest):
         self.assertEqual(self.raw("eight.kpf", "-", "--frequency", "12"),
                          self.raw("eight.y4m", "-", "--frequency", "12"))
 
+    def test_a_recording_is_one_in_any_case(self):
+        self.record("eight.y4m", "EIGHT.KPF", "--quiet")
+        self.assertEqual(self.raw("EIGHT.KPF", "-", "--frequency", "12"),
+                         self.raw("eight.y4m", "-", "--frequency", "12"))
+
     def test_twelve_bit_recordings_go_by_their_high_bytes(self):
         self.record("sixteen.y4m", "sixteen.kpf", "--bits", "12", "--quiet")
         high = [[sample >> 8 for sample in frame] for frame in self.sixteen]

@@ -132,9 +132,10 @@ class Record(VideoTest):
             yield process
 
     def test_interrupt_ends_a_complete_recording(self):
-        for limit in ((), ("--frames", "100")):
+        for wish, limit in ((signal.SIGINT, ()), (signal.SIGINT, ("--frames", "100")),
+                            (signal.SIGTERM, ()), (signal.SIGHUP, ())):
             with self.recording("--force", *limit) as process:
-                process.send_signal(signal.SIGINT)
+                process.send_signal(wish)
                 out, err = process.communicate(timeout=60)
             self.assertEqual((process.returncode, err), (0, b""))
             self.assertRegex(out, rb"out.kpf: \d+ frames? recorded, 0 placeholders\n")
@@ -142,6 +143,54 @@ class Record(VideoTest):
             self.assertEqual(size % (16 + 64 * 64), 0)
             self.check_complete(size // (16 + 64 * 64))
             shutil.rmtree(self.path("out"))
+
+    def test_recording_outlives_its_terminal_where_that_is_wanted(self):
+        with subprocess.Popen(["nohup", KPF, "record", "-", "out.kpf"], cwd=self.folder,
+                              stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE) as process:
+            video = self.read("eight.y4m")
+            process.stdin.write(video[:-10])
+            process.stdin.flush()
+            # It has its own handlers once it has read what it is to record.
+            while b"kpf" not in self.name_of(process.pid) or not self.waits(process.pid):
+                self.assertIsNone(process.poll())
+            process.send_signal(signal.SIGHUP)
+            out, _ = process.communicate(video[-10:], timeout=60)
+        self.assertEqual(process.returncode, 0)
+        self.assertIn(b"5 frames recorded", out)
+
+    @staticmethod
+    def name_of(pid):
+        with open("/proc/%d/comm" % pid, "rb") as file:
+            return file.read()
+
+    @staticmethod
+    def waits(pid):
+        """Whether SIGINT is caught, and nothing is left to do but to wait."""
+        with open("/proc/%d/status" % pid, "rb") as file:
+            status = dict(line.split(b":", 1) for line in file.read().splitlines())
+        caught = int(status[b"SigCgt"], 16) >> (signal.SIGINT - 1) & 1
+        return caught and status[b"State"].split()[0] == b"S"
+
+    def test_files_of_limited_size_are_a_failed_write(self):
+        self.write("large.y4m", y4m([[n] * 4096 for n in range(10)], 64, 64))
+        done = subprocess.run(["bash", "-c", 'ulimit -f 20; exec "$0" "$@"', KPF, "record",
+                               "large.y4m", "out.kpf"], cwd=self.folder, capture_output=True,
+                              timeout=60, check=False)
+        self.assertEqual((done.returncode, done.stdout), (1, b""))
+        self.assertRegex(done.stderr, rb"4 of \d+ frames are on disk: the system did not take the "
+                                      rb"others, see the lines above\n")
+        self.assertIn(b"queueFrame: io stream write failed.", done.stderr)
+        self.assertEqual(self.kpf("verify", "out.kpf")[0], 1)
+
+    def test_files_that_are_taken_away_are_told(self):
+        with self.recording() as process:
+            shutil.rmtree(self.path("out"))
+            os.remove(self.path("out.kpf"))
+            process.send_signal(signal.SIGINT)
+            out, err = process.communicate(timeout=60)
+        self.assertEqual((process.returncode, out), (1, b""))
+        self.assertIn(b"its files were moved or removed meanwhile", err)
 
     def test_killed_recording_lacks_frames(self):
         with self.recording() as process:
@@ -217,7 +266,7 @@ class Record(VideoTest):
                 self.write("disk/in_the_way", bytes(65536))
             out, err = process.communicate(video[20000:], timeout=60)
         self.assertEqual((process.returncode, out), (1, b""))
-        self.assertIn(b"is the disk full?", err)
+        self.assertIn(b"are on disk: the disk is full", err)
         self.assertIn(b"queueFrame: io stream write failed.", err)
         self.assertEqual(self.kpf("verify", "disk/out.kpf")[0], 1)
 

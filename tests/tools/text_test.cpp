@@ -64,4 +64,8 @@ TEST(Text, TimesOfAnotherEpochHaveNone) {
   EXPECT_EQ(timeText(253402300800, 0), "253402300800.000000");
 }
 
+TEST(LowerCase, TurnsLettersOfTheAlphabetOnly) {
+  EXPECT_EQ(KPF_TOOL::lowerCase("A.KpF-Z@[\xC3\x84"), "a.kpf-z@[\xC3\x84");
+}
+
 }  // namespace

@@ -18,6 +18,8 @@
 namespace KPF_TOOL {
 namespace {
 
+bool isRecording(const std::string& name) { return lowerCase(name).ends_with(".kpf"); }
+
 /// Both what the reader finds and what lies there under names of the recording.
 std::vector<std::string> filesOfRecording(const std::string& name) {
   std::vector<std::string> files = filesOf(headerPath(name));
@@ -35,11 +37,11 @@ ToolError noSuchFrames(const std::string& name, const std::string& why) {
 }
 
 std::unique_ptr<FrameSource> openFrames(const std::string& name, Samples samples) {
-  return name.ends_with(".kpf") ? openRecording(name, samples) : openMedia(name, samples);
+  return isRecording(name) ? openRecording(name, samples) : openMedia(name, samples);
 }
 
 FileIds filesRead(const std::string& name) {
-  if (name.ends_with(".kpf")) return FileIds(filesOfRecording(name));
+  if (isRecording(name)) return FileIds(filesOfRecording(name));
   std::vector<std::string> files = {name};
   if (const auto pattern = ImagePattern::parse(name)) {
     for (const std::uint64_t number : pattern->numbersThere()) {

@@ -15,8 +15,8 @@
 
 namespace KPF_TOOL {
 
-/// A recording, when the name ends in .kpf, else whatever FFmpeg opens. Of 12-bit recordings the
-/// 8-bit samples are the high bytes. @throws ToolError, KPF_READER::RecordingError.
+/// A recording, when the name ends in .kpf (in any case), else whatever FFmpeg opens. Of 12-bit
+/// recordings the 8-bit samples are the high bytes. @throws ToolError, KPF_READER::RecordingError.
 std::unique_ptr<FrameSource> openFrames(const std::string& name, Samples samples);
 
 /// The files that are read where `name` is: of a recording all of them, of a pattern all images.

@@ -69,9 +69,15 @@ VLM_INTERNAL::VXP_STREAM_CONFIGURATION configurationFor(const FrameSource& input
 }
 
 /// Looks at the files themselves: what the writer believes is no proof.
-std::uint64_t recordsOnDisk(const std::string& header) {
+std::uint64_t recordsOnDisk(const std::string& header) try {
   const KPF_READER::Recording recording(header, KPF_READER::Access::kSparse);
   return recording.recordCount();
+} catch (const KPF_READER::RecordingError&) {
+  return 0;  // somebody took the header away
+}
+
+std::uint64_t recordSizeOf(const FrameSource& input, const RecordOptions& options) {
+  return vxGetPackedSize(input.width(), input.height(), static_cast<unsigned>(options.bits));
 }
 
 /// Whether frames come when they are taken, as those of cameras and pipes do, and not when they are
@@ -142,6 +148,7 @@ Outcome recordInto(const std::string& header, FrameSource& input, const RecordOp
   result.trouble = trouble;
   const bool whole = !complaints && result.onDisk == result.frames;
   result.written = stream.announce(result.frames, whole) && whole;
+  if (!result.written) result.obstacle = obstacleTo(header, recordSizeOf(input, options));
   // The library does not know that the smaller number was made true, and says so.
   if (result.written) captured.drop();
   captured.release();
@@ -165,8 +172,7 @@ Outcome runRecord(const RecordOptions& options) {
                     "Give a video that can be decoded.");
   }
   if (Interrupt::requested()) return Outcome::kCutShort;
-  const std::uint64_t recordSize =
-      vxGetPackedSize(input->width(), input->height(), static_cast<unsigned>(options.bits));
+  const std::uint64_t recordSize = recordSizeOf(*input, options);
   checkRoom(header, options.isLimited() ? limit * recordSize : recordSize);
   // Only now: what cannot be recorded costs nobody an older recording.
   clearTarget(header, options.force, filesRead(options.input));

@@ -16,14 +16,6 @@ namespace {
 constexpr const char* kAdvice =
     "Give a name in .mkv (lossless), .mp4, .png, .tif (with %06d for more than one), or - .";
 
-std::string lowerCase(std::string text) {
-  // Only letters that extensions are made of, whatever the locale says.
-  for (char& letter : text) {
-    if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
-  }
-  return text;
-}
-
 /// For looking at: players want colour at half the resolution, and so even sizes.
 Encoding viewingEncoding(const char* muxer) {
   const AVCodec* const h264 = avcodec_find_encoder_by_name("libx264");

@@ -31,9 +31,8 @@ std::string lossesOf(const RecordResult& result) {
 }
 
 void tellWriteFailed(const RecordResult& result) {
-  fmt::print(stderr, "kpf: {}: {} of {} are on disk: the files could not be written, {}\n",
-             escaped(result.header), result.onDisk, countText(result.frames, "frame"),
-             "is the disk full?");
+  fmt::print(stderr, "kpf: {}: {} of {} are on disk: {}\n", escaped(result.header), result.onDisk,
+             countText(result.frames, "frame"), result.obstacle);
   fmt::print(stderr, "What is there can be read; kpf verify tells what is missing.\n");
 }
 

@@ -20,6 +20,7 @@ struct RecordResult {
   std::uint64_t damaged = 0;
   std::uint64_t onDisk = 0;              // frames that the files hold
   bool written = true;                   // the library and the system took everything
+  std::string obstacle;                  // what is in the way where they did not
   std::string trouble;                   // why the input ended before its end
   std::chrono::nanoseconds within999{};  // what 99.9 % of the calls took at most
   std::chrono::nanoseconds longest{};    // and all of them

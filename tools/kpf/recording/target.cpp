@@ -116,4 +116,15 @@ void checkRoom(const std::string& header, std::uint64_t bytes) {
       "Free some space, or record fewer frames with --frames.");
 }
 
+std::string obstacleTo(const std::string& header, std::uint64_t bytes) {
+  const auto names = KPF_FORMAT::dataNames(KPF_FORMAT::withoutExtension(header).value_or(header));
+  std::error_code unknown;
+  if (!fs::is_directory(names.folder, unknown) || !fs::exists(header, unknown)) {
+    return "its files were moved or removed meanwhile";
+  }
+  const fs::space_info space = fs::space(names.folder, unknown);
+  if (!unknown && space.available < bytes) return "the disk is full";
+  return "the system did not take the others, see the lines above";
+}
+
 }  // namespace KPF_TOOL

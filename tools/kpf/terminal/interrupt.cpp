@@ -18,6 +18,13 @@ Interrupt::Interrupt() {
   action.sa_handler = noteInterrupt;
   sigaction(SIGINT, &action, nullptr);
   sigaction(SIGTERM, &action, nullptr);
+  // A terminal that is closed, unless the user wished to go on without it (nohup).
+  struct sigaction before {};
+  if (sigaction(SIGHUP, nullptr, &before) == 0 && before.sa_handler != SIG_IGN) {
+    sigaction(SIGHUP, &action, nullptr);
+  }
+  // A limit on the size of files is a write that fails, and no end of the program.
+  std::signal(SIGXFSZ, SIG_IGN);
 }
 
 bool Interrupt::requested() { return interrupted != 0; }

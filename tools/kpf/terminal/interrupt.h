@@ -5,7 +5,7 @@
 namespace KPF_TOOL {
 
 /**
- * From its construction on, Ctrl-C and SIGTERM only leave a note.
+ * From its construction on, Ctrl-C, SIGTERM and the end of the terminal only leave a note.
  *
  * A recording that is half written must still be closed, so commands that write look at the note
  * between two frames and end in good order. A command that only reads needs none of this.

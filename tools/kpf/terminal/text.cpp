@@ -52,6 +52,13 @@ std::string sizeText(double bytes) {
   return fmt::format("{:.1f} {}", value, units[unit]);
 }
 
+std::string lowerCase(std::string text) {
+  for (char& letter : text) {
+    if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
+  }
+  return text;
+}
+
 std::string countText(std::uint64_t count, const std::string& thing) {
   return fmt::format("{} {}{}", count, thing, count == 1 ? "" : "s");
 }

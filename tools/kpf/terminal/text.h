@@ -21,6 +21,9 @@ std::string timeText(std::int64_t seconds, std::uint32_t microseconds);
 /// "351.9 MB": decimal units, one digit.
 std::string sizeText(double bytes);
 
+/// Of the letters that extensions are made of, whatever the locale says.
+std::string lowerCase(std::string text);
+
 /// "1 file", "2 files".
 std::string countText(std::uint64_t count, const std::string& thing);
 
