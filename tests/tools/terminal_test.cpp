@@ -31,7 +31,7 @@ TEST(CapturedOutput, KeepsOffStandardOutput) {
     say("a line of the log\n");
   }
   EXPECT_EQ(GetCapturedStdout(), "");
-  EXPECT_EQ(GetCapturedStderr(), "a line of the log\n");
+  EXPECT_EQ(GetCapturedStderr(), "kpf: log of the library: a line of the log\n");
 }
 
 TEST(CapturedOutput, TellsWhetherAnythingWasSaid) {
@@ -58,7 +58,7 @@ TEST(CapturedOutput, WhatWasPrintedBeforeAndAfterIsAResult) {
     say("after");
   }
   EXPECT_EQ(GetCapturedStdout(), "before after");
-  EXPECT_EQ(GetCapturedStderr(), "in between\n");
+  EXPECT_EQ(GetCapturedStderr(), "kpf: log of the library: in between\n");
 }
 
 TEST(CapturedOutput, ReleasedTwiceSaysItOnce) {
@@ -71,7 +71,7 @@ TEST(CapturedOutput, ReleasedTwiceSaysItOnce) {
     captured.release();
   }
   GetCapturedStdout();
-  EXPECT_EQ(GetCapturedStderr(), "once\n");
+  EXPECT_EQ(GetCapturedStderr(), "kpf: log of the library: once\n");
 }
 
 TEST(CapturedOutput, LinesOfAnyLengthArePassedOn) {
@@ -83,7 +83,31 @@ TEST(CapturedOutput, LinesOfAnyLengthArePassedOn) {
     say(line.c_str());
   }
   GetCapturedStdout();
-  EXPECT_EQ(GetCapturedStderr(), line);
+  EXPECT_EQ(GetCapturedStderr(), "kpf: log of the library: " + line + "\n");
+}
+
+/// All that the user is shown of `lines` lines.
+std::string shownOf(unsigned lines, const std::string& line) {
+  CaptureStdout();
+  CaptureStderr();
+  {
+    const CapturedOutput captured;
+    for (unsigned n = 0; n < lines; ++n) say(line.c_str());
+  }
+  GetCapturedStdout();
+  return GetCapturedStderr();
+}
+
+TEST(CapturedOutput, NothingOfALineMovesTheCursor) {
+  EXPECT_EQ(shownOf(1, "\x1b[2J\rgone\n"), "kpf: log of the library: \\x1b[2J\\x0dgone\n");
+}
+
+TEST(CapturedOutput, ALineForEachFrameIsNotToldToTheEnd) {
+  const std::string told = "kpf: log of the library: x\n";
+  EXPECT_EQ(shownOf(10, "x\n").size(), 10 * told.size());
+  EXPECT_EQ(shownOf(11, "x\n").substr(10 * told.size()), "kpf: log of the library: 1 line more\n");
+  EXPECT_EQ(shownOf(500, "x\n").substr(10 * told.size()),
+            "kpf: log of the library: 490 lines more\n");
 }
 
 /// 0 when a signal only leaves a note. In a process of its own: the note cannot be taken back.

@@ -1,12 +1,24 @@
 #include "tools/kpf/terminal/captured_output.h"
 
+#include <fmt/format.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include "tools/kpf/terminal/text.h"
 #include "tools/kpf/terminal/tool_error.h"
 
 namespace KPF_TOOL {
+namespace {
+
+constexpr std::uint64_t kMostLines = 10;
+
+}  // namespace
 
 // A file in memory: the folder for temporary ones may be read-only or full.
 CapturedOutput::CapturedOutput()
@@ -46,8 +58,24 @@ void CapturedOutput::release() {
   output_ = -1;
   // The descriptors share one position, which stands behind the last line.
   std::rewind(captured_);
-  char line[2048];
-  while (std::fgets(line, sizeof line, captured_) != nullptr) std::fputs(line, stderr);
+  pass();
+}
+
+/// Names in them come from files that nobody vouches for, and there may be a line for each frame.
+void CapturedOutput::pass() {
+  char* line = nullptr;
+  std::size_t room = 0;
+  std::uint64_t lines = 0;
+  for (ssize_t size = 0; (size = getline(&line, &room, captured_)) > 0; ++lines) {
+    if (lines >= kMostLines) continue;
+    std::string text(line, static_cast<std::size_t>(size));
+    if (text.ends_with('\n')) text.pop_back();
+    std::fputs(fmt::format("kpf: log of the library: {}\n", escaped(text)).c_str(), stderr);
+  }
+  std::free(line);
+  if (lines <= kMostLines) return;
+  const std::string more = countText(lines - kMostLines, "line");
+  std::fputs(fmt::format("kpf: log of the library: {} more\n", more).c_str(), stderr);
 }
 
 }  // namespace KPF_TOOL

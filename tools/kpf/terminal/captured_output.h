@@ -22,12 +22,15 @@ class CapturedOutput {
 
   /// Whether anything was written so far.
   bool any() const;
-  /// Gives standard output back and passes what was written on to standard error.
+  /// Gives standard output back and tells on standard error what was written, as the library's: its
+  /// first lines, with what is no printable text escaped.
   void release();
   /// Forgets what was written, where it turned out to be no trouble.
   void drop();
 
  private:
+  void pass();
+
   std::FILE* captured_;
   int output_;  // descriptor of the real standard output, -1 once it is given back
 };
