@@ -2,6 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cerrno>
+#include <cstddef>
 #include <filesystem>
 #include <string>
 
@@ -127,6 +129,39 @@ TEST_F(Files, DoNotReplaceWhatHasComeMeanwhile) {
   }
   EXPECT_EQ(readText(destination.name), "somebody else's");
   EXPECT_THAT(entriesBelow(folder_.path()), ElementsAre("new.mkv"));
+}
+
+TEST_F(Files, AreWrittenWhole) {
+  const Destination destination{folder_ / "new.txt", false, {}};
+  NewFile file(destination.name, destination);
+  file.write("some text", 9);
+  EXPECT_FALSE(fs::exists(destination.name));
+  file.commit();
+  EXPECT_EQ(readText(destination.name), "some text");
+}
+
+TEST_F(Files, TellWhyTheyAreNotWritten) {
+  const Destination destination{folder_ / "new.txt", false, {}};
+  NewFile file(destination.name, destination);
+  fs::remove(file.path());
+  fs::create_symlink("/dev/full", file.path());
+  for (const std::size_t size : {std::size_t{5}, std::size_t{1} << 20U}) {  // at the close, before
+    try {
+      file.write(std::string(size, 'x').data(), size);
+      FAIL() << size << " bytes were written";
+    } catch (const ToolError& error) {
+      EXPECT_THAT(error.what(), HasSubstr("new.txt: No space left on device"));
+      EXPECT_EQ(error.advice(), "Free some space.");
+    }
+  }
+}
+
+TEST(CannotWriteFile, AdvisesByTheReason) {
+  EXPECT_EQ(cannotWriteFile("x", ENOTDIR).advice(), "Make the folder first.");
+  EXPECT_EQ(cannotWriteFile("x", EROFS).advice(), "Choose a folder that you may write to.");
+  EXPECT_EQ(cannotWriteFile("x", EDQUOT).advice(), "Free some space.");
+  EXPECT_THAT(cannotWriteFile("x", EFBIG).advice(), HasSubstr("ulimit -f"));
+  EXPECT_THAT(cannotWriteFile("a\nb", EIO).what(), HasSubstr("cannot write a\\x0ab: "));
 }
 
 TEST_F(Files, NeedTheirFolder) {

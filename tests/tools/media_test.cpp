@@ -80,6 +80,27 @@ TEST_P(LosslessMedia, GiveBackEverySample) {
 INSTANTIATE_TEST_SUITE_P(All, LosslessMedia,
                          testing::Values("v.mkv", "i_%03d.png", "i_%03d.tif", "i_%03d.tiff"));
 
+/// Every size with a side of up to four pixels, of samples that all differ.
+TEST_F(Media, TheSmallestFramesComeBackToo) {
+  for (const Samples samples : {Samples::k8Bit, Samples::k16Bit}) {
+    for (const char* name : {"v.mkv", "i_%01d.png", "i_%01d.tif"}) {
+      for (unsigned size = 0; size < 16; ++size) {
+        PictureFormat format = formatOf(samples);
+        format.width = size % 4 + 1;
+        format.height = size / 4 + 1;
+        Bytes pixels = frame(1, samples);
+        pixels.resize(format.rowSize() * format.height);
+        const auto output = openEncodedOutput({folder_ / name, true, {}}, format);
+        output->add(pixels.data());
+        output->finish();
+        const auto source = openMedia(folder_ / name, samples);
+        ASSERT_TRUE(source->next());
+        EXPECT_EQ(copied(*source), pixels) << name << format.width << "x" << format.height;
+      }
+    }
+  }
+}
+
 class Videos : public Media, public testing::WithParamInterface<const char*> {};
 
 // A time base that is lost on the way makes seconds of frames milliseconds, or hours.

@@ -9,7 +9,6 @@
 #include <system_error>
 
 #include "tools/kpf/terminal/text.h"
-#include "tools/kpf/terminal/tool_error.h"
 
 namespace KPF_TOOL {
 namespace {
@@ -26,19 +25,22 @@ std::string adviceFor(int error) {
     case ENOSPC:
     case EDQUOT:
       return "Free some space.";
+    case EFBIG:
+      return "Lift the limit on the size of files (ulimit -f), or choose another file system.";
     default:
       return "Choose another name or another folder.";
   }
 }
 
-ToolError cannotWrite(const std::string& name) {
-  const int error = errno;
+ToolError cannotWrite(const std::string& name) { return cannotWriteFile(name, errno); }
+
+}  // namespace
+
+ToolError cannotWriteFile(const std::string& name, int error) {
   return {Outcome::kWriteFailed,
           fmt::format("cannot write {}: {}", escaped(name), std::generic_category().message(error)),
           adviceFor(error)};
 }
-
-}  // namespace
 
 void checkFree(const std::string& name, const Destination& destination) {
   struct stat status {};
@@ -71,6 +73,17 @@ NewFile::NewFile(const std::string& name, const Destination& destination)
 
 NewFile::~NewFile() {
   if (!done_) unlink(temporary_.c_str());
+}
+
+void NewFile::write(const void* bytes, std::size_t size) {
+  std::FILE* const file = std::fopen(temporary_.c_str(), "wb");
+  if (file == nullptr) throw cannotWrite(name_);
+  // Closing may be what fails: not before that is the file with the system.
+  const bool written = std::fwrite(bytes, 1, size, file) == size;
+  const int error = errno;
+  if (std::fclose(file) == 0 && written) return;
+  if (!written) errno = error;
+  throw cannotWrite(name_);
 }
 
 void NewFile::commit() {

@@ -2,9 +2,11 @@
 #ifndef KPF_NEW_FILE_H
 #define KPF_NEW_FILE_H
 
+#include <cstddef>
 #include <string>
 
 #include "tools/kpf/files/file_ids.h"
+#include "tools/kpf/terminal/tool_error.h"
 
 namespace KPF_TOOL {
 
@@ -18,6 +20,9 @@ struct Destination {
 /// @param name of a file that `destination` stands for.
 /// @throws ToolError when something is there that may not be replaced.
 void checkFree(const std::string& name, const Destination& destination);
+
+/// @param error of the system, by its number.
+ToolError cannotWriteFile(const std::string& name, int error);
 
 /**
  * A file that bears its name only when it is whole.
@@ -36,6 +41,9 @@ class NewFile {
 
   /// The name under which it is written, closed by whoever opens it before commit().
   const std::string& path() const { return temporary_; }
+
+  /// Writes all of it, where nobody else does. @throws ToolError when the system does not take it.
+  void write(const void* bytes, std::size_t size);
 
   /// Gives the file its name. @throws ToolError when something has come there meanwhile.
   void commit();

@@ -3,16 +3,27 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstddef>
 
+#include "tools/kpf/files/new_file.h"
 #include "tools/kpf/terminal/text.h"
 
 namespace KPF_TOOL {
 
+namespace {
+
+constexpr int kSmallestOfSlices = 3;  // pixels a side
+constexpr int kMostOfSystem = 4095;   // error numbers; FFmpeg's own lie far beyond
+
+}  // namespace
+
 ToolError cannotWrite(const std::string& name, int code) {
+  if (-code <= kMostOfSystem && code != AVERROR(EINVAL))
+    return cannotWriteFile(name, AVUNERROR(code));
   return {Outcome::kWriteFailed,
-          fmt::format("cannot write {}: {}", escaped(name), ffmpegError(code)),
-          "Check that the folder is there, that you may write to it, and that the disk has room."};
+          fmt::format("cannot write {}: FFmpeg says: {}", escaped(name), ffmpegError(code)),
+          "Not every kind of file takes every size and rate: choose another extension."};
 }
 
 Encoder::Encoder(const std::string& name, const PictureFormat& format, const Encoding& encoding,
@@ -34,8 +45,10 @@ void Encoder::openCodec(const Encoding& encoding, int flags) {
   codec_->framerate = av_d2q(format_.frameRate, 1000000);
   codec_->time_base = av_inv_q(codec_->framerate);
   codec_->flags |= flags;
-  // Version 3 of FFV1 has checksums, so that damage is noticed.
-  if (encoding.codec->id == AV_CODEC_ID_FFV1) codec_->level = 3;
+  // Version 3 of FFV1 has checksums, so that damage is noticed. Sides of one or two pixels it cuts
+  // into slices some of which it forgets.
+  const bool tiny = std::min(codec_->width, codec_->height) < kSmallestOfSlices;
+  if (encoding.codec->id == AV_CODEC_ID_FFV1) codec_->level = tiny ? 1 : 3;
   if (encoding.codec->id == AV_CODEC_ID_H264) {
     av_opt_set(codec_->priv_data, "crf", "18", 0);
     av_opt_set(codec_->priv_data, "preset", "veryfast", 0);
