@@ -11,7 +11,8 @@ foreach(name IN LISTS files)
   endif()
   # Upwards while the folder bears our name; shared ones like include/ stay.
   cmake_path(GET name PARENT_PATH folder)
-  while(folder MATCHES "/vlm_internal(/|$)" AND IS_DIRECTORY ${folder})
+  while(folder MATCHES "/(vlm_internal|kpf|kpf-[^/]*)(/|$)" AND IS_DIRECTORY ${folder})
+    file(REMOVE_RECURSE ${folder}/__pycache__)  # Python's own, of the package that goes
     file(GLOB entries LIST_DIRECTORIES ON ${folder}/*)
     if(entries)
       break()

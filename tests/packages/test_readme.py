@@ -57,6 +57,14 @@ class Readme(ScratchSystem):
         self.assertEqual((self.folder / "frame.pgm").read_bytes(),
                          b"P5 640 480 255\n" + white * 101 + black * 379)
 
+    def test_the_lines_for_python_show_a_frame(self):
+        (self.folder / "rows.py").write_text(block_after("From Python", "python"))
+        self.run_as_root("cmake --install build/release\nldconfig\n/usr/bin/python3 rows.py\n",
+                         [self.stand_ins])
+        white, black = b"\xff" * 640, bytes(640)
+        self.assertEqual((self.folder / "frame.pgm").read_bytes(),
+                         b"P5 640 480 255\n" + white * 101 + black * 379)
+
     def test_the_target_uninstall_leaves_nothing(self):
         self.run_as_root("cmake --install build/release; test -e /usr/local/include/vlm_internal.h\n"
                          "cmake --build build/release --target uninstall", [self.stand_ins])

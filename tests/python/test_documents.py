@@ -1,0 +1,27 @@
+"""The programs of docs/python.md run as they stand there, one after the other."""
+import re
+from pathlib import Path
+
+import pytest
+
+DOCUMENT = Path(__file__).resolve().parents[2] / "docs/python.md"
+# What no package of the distribution has: the lines that need it are read, not run.
+OPTIONAL = ("cv2", "napari")
+
+
+def programs():
+    return re.findall(r"^```python\n(.*?)^```", DOCUMENT.read_text(encoding="utf-8"), re.M | re.S)
+
+
+def test_they_run(tmp_path, monkeypatch, capsys):
+    pytest.importorskip("matplotlib").use("Agg")
+    monkeypatch.chdir(tmp_path)
+    known = {"__name__": "document"}
+    for program in programs():
+        if any(f"import {name}" in program for name in OPTIONAL):
+            compile(program, str(DOCUMENT), "exec")
+            continue
+        exec(compile(program, str(DOCUMENT), "exec"), known)
+    said = capsys.readouterr().out
+    assert "21 frames of 640 x 480, 12 bits" in said and "1400.0" in said
+    assert (tmp_path / "clip.png").stat().st_size > 1000
