@@ -14,6 +14,8 @@ def programs():
 
 
 def test_they_run(tmp_path, monkeypatch, capsys):
+    for module in ("dask.array", "zarr", "fsspec"):
+        pytest.importorskip(module)
     pytest.importorskip("matplotlib").use("Agg")
     monkeypatch.chdir(tmp_path)
     known = {"__name__": "document"}
