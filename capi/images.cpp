@@ -4,11 +4,10 @@
 #include <bit>
 #include <cstring>
 #include <limits>
-#include <span>
 
 #include "capi/calls.h"
 #include "packed/vx_pack_kernels.h"
-#include "reader/kpf_reader.h"
+#include "reader/kpf_unpack_kernels.h"
 
 namespace KPF_C {
 namespace {
@@ -66,9 +65,25 @@ unsigned packRow(const Geometry& geometry, const unsigned char* row, std::uint32
   return seen;
 }
 
-void moveRight(std::uint16_t* samples, std::size_t count, unsigned by) {
-  for (std::size_t i = 0; i < count; ++i) {
-    samples[i] = static_cast<std::uint16_t>(samples[i] >> by);
+void unpack8(const Geometry& geometry, const unsigned char* stored, std::uint16_t* samples,
+             unsigned left) {
+  std::transform(stored, stored + geometry.pixels(), samples,
+                 [=](unsigned char pixel) { return static_cast<std::uint16_t>(pixel << left); });
+}
+
+/// Rows of an even width follow each other without a gap: the frame is one long run.
+void unpack12(const Geometry& geometry, const unsigned char* stored, std::uint16_t* samples,
+              std::uint32_t form) {
+  const KPF_READER::UnpackKernels& kernels = KPF_READER::unpackKernels.inUse();
+  const auto unpack = form == KPF_SAMPLES_VALUE ? kernels.unpackValues : kernels.unpackPairs;
+  if (geometry.width % 2 == 0) {
+    unpack(stored, samples, geometry.pixels() / 2);
+    return;
+  }
+  for (std::size_t y = 0; y < geometry.height; ++y) {
+    std::uint16_t* const row = samples + y * geometry.width;
+    unpack(stored + geometry.rowStart(y), row, geometry.width / 2);
+    row[geometry.width - 1] = 0;  // never stored
   }
 }
 
@@ -110,19 +125,12 @@ bool packImage(const Geometry& geometry, const unsigned char* image, std::size_t
   return seen < 1U << (16 - kFreeBits);
 }
 
-// In even numbers of rows, which begin with a byte of their own whatever the width.
 void unpackFrame(const Geometry& geometry, const unsigned char* packed, std::uint16_t* samples,
                  std::uint32_t form) {
-  const std::size_t rows = std::max<std::size_t>(2, kRun / geometry.width / 2 * 2);
-  const unsigned by = geometry.packed12 ? kFreeBits : 8;
-  KPF_READER::Header header;
-  header.width = static_cast<std::uint32_t>(geometry.width);
-  header.packed12 = geometry.packed12;
-  for (std::size_t y = 0; y < geometry.height; y += rows) {
-    header.height = static_cast<std::uint32_t>(std::min(rows, geometry.height - y));
-    const std::span<std::uint16_t> out(samples + y * geometry.width, header.pixelCount());
-    KPF_READER::unpackPixels(header, {packed + geometry.rowStart(y), header.frameSize()}, out);
-    if (form == KPF_SAMPLES_VALUE) moveRight(out.data(), out.size(), by);
+  if (geometry.packed12) {
+    unpack12(geometry, packed, samples, form);
+  } else {
+    unpack8(geometry, packed, samples, form == KPF_SAMPLES_VALUE ? 0 : 8);
   }
 }
 

@@ -5,7 +5,7 @@
 namespace KPF_READER {
 namespace {
 
-constexpr UnpackKernels kPlain{unpackPairsPlain};
+constexpr UnpackKernels kPlain{unpackPairsPlain, unpackValuesPlain};
 
 }  // namespace
 
@@ -14,6 +14,13 @@ void unpackPairsPlain(const unsigned char* in, std::uint16_t* out, std::size_t p
     const unsigned shared = in[1];
     out[0] = static_cast<std::uint16_t>(in[0] << 8 | (shared & 0x0F) << 4);
     out[1] = static_cast<std::uint16_t>(in[2] << 8 | (shared & 0xF0));
+  }
+}
+
+void unpackValuesPlain(const unsigned char* in, std::uint16_t* out, std::size_t pairs) {
+  for (std::size_t i = 0; i < pairs; ++i, in += 3, out += 2) {
+    out[0] = static_cast<std::uint16_t>(in[0] << kFreeBits | (in[1] & 0x0F));
+    out[1] = static_cast<std::uint16_t>(in[2] << kFreeBits | in[1] >> kFreeBits);
   }
 }
 

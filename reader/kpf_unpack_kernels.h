@@ -19,6 +19,9 @@ struct UnpackKernels {
    * and nothing beyond the pairs is read or written.
    */
   void (*unpackPairs)(const unsigned char* in, std::uint16_t* out, std::size_t pairs);
+
+  /// The same, moved right by 4: the value of each sample, 0 to 4095.
+  void (*unpackValues)(const unsigned char* in, std::uint16_t* out, std::size_t pairs);
 };
 
 /// The sets of unpacking, and which of them is in use.

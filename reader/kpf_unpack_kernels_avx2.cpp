@@ -38,8 +38,16 @@ void unpackPairs(const unsigned char* in, std::uint16_t* out, std::size_t pairs)
   unpackPairsPlain(in, out, pairs);
 }
 
+void unpackValues(const unsigned char* in, std::uint16_t* out, std::size_t pairs) {
+  for (; pairs >= kLoaded; pairs -= kPairs, in += 3 * kPairs, out += 2 * kPairs) {
+    const __m256i samples = unpack(loadHalves(in));
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), _mm256_srli_epi16(samples, kFreeBits));
+  }
+  unpackValuesPlain(in, out, pairs);
+}
+
 }  // namespace
 
-const UnpackKernels kUnpackKernelsAvx2{unpackPairs};
+const UnpackKernels kUnpackKernelsAvx2{unpackPairs, unpackValues};
 
 }  // namespace KPF_READER

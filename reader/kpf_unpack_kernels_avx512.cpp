@@ -25,27 +25,35 @@ __m256i unpack(__m256i triples) {
   return _mm256_ternarylogic_epi32(moved, bytes, keptOfBytes, kFirstOrBothOthers);
 }
 
+template <int kRight>
 void unpack8(const unsigned char* in, std::uint16_t* out) {
   const __m256i loaded = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in));
-  _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), unpack(loaded));
+  const __m256i samples = _mm256_srli_epi16(unpack(loaded), kRight);
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), samples);
 }
 
+template <int kRight>
 void unpackUpTo8(const unsigned char* in, std::uint16_t* out, std::size_t pairs) {
   const auto bytes = static_cast<__mmask32>((1U << 3 * pairs) - 1);
-  const auto samples = static_cast<__mmask8>((1U << pairs) - 1);
-  _mm256_mask_storeu_epi32(out, samples, unpack(_mm256_maskz_loadu_epi8(bytes, in)));
+  const auto stored = static_cast<__mmask8>((1U << pairs) - 1);
+  const __m256i samples = _mm256_srli_epi16(unpack(_mm256_maskz_loadu_epi8(bytes, in)), kRight);
+  _mm256_mask_storeu_epi32(out, stored, samples);
 }
 
+/// @tparam kRight bits that the samples are moved right by; 0 costs nothing.
+template <int kRight>
 void unpackPairs(const unsigned char* in, std::uint16_t* out, std::size_t pairs) {
-  for (; pairs >= kLoaded; pairs -= kPairs, in += 3 * kPairs, out += 2 * kPairs) unpack8(in, out);
-  for (; pairs > kPairs; pairs -= kPairs, in += 3 * kPairs, out += 2 * kPairs) {
-    unpackUpTo8(in, out, kPairs);
+  for (; pairs >= kLoaded; pairs -= kPairs, in += 3 * kPairs, out += 2 * kPairs) {
+    unpack8<kRight>(in, out);
   }
-  unpackUpTo8(in, out, pairs);
+  for (; pairs > kPairs; pairs -= kPairs, in += 3 * kPairs, out += 2 * kPairs) {
+    unpackUpTo8<kRight>(in, out, kPairs);
+  }
+  unpackUpTo8<kRight>(in, out, pairs);
 }
 
 }  // namespace
 
-const UnpackKernels kUnpackKernelsAvx512{unpackPairs};
+const UnpackKernels kUnpackKernelsAvx512{unpackPairs<0>, unpackPairs<kFreeBits>};
 
 }  // namespace KPF_READER

@@ -12,7 +12,11 @@ namespace KPF_READER {
 extern const UnpackKernels kUnpackKernelsAvx2;
 extern const UnpackKernels kUnpackKernelsAvx512;
 
+/// Bits that values are moved right by, from where the pairs have them.
+inline constexpr int kFreeBits = 4;
+
 void unpackPairsPlain(const unsigned char* in, std::uint16_t* out, std::size_t pairs);
+void unpackValuesPlain(const unsigned char* in, std::uint16_t* out, std::size_t pairs);
 
 }  // namespace KPF_READER
 

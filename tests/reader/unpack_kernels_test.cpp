@@ -32,6 +32,13 @@ TEST_P(UnpackKernelsOf, PairSharesItsMiddleByte) {
   EXPECT_THAT(out, ElementsAre(0xABC0, 0x1230));
 }
 
+TEST_P(UnpackKernelsOf, ValuesAreMovedRight) {
+  const Bytes in{0xAB, 0x3C, 0x12, 0xFF, 0xFF, 0xFF};
+  Samples out(6, 0x7777);
+  kernels->unpackValues(in.data(), out.data() + 1, 2);
+  EXPECT_THAT(out, ElementsAre(0x7777, 0x0ABC, 0x0123, 0x0FFF, 0x0FFF, 0x7777));
+}
+
 TEST_P(UnpackKernelsOf, NothingBehindThePairsIsTouched) {
   const Bytes in{0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xFF};
   Samples out(6, 0x7777);
@@ -39,15 +46,22 @@ TEST_P(UnpackKernelsOf, NothingBehindThePairsIsTouched) {
   EXPECT_THAT(out, ElementsAre(0x7777, 0x0130, 0x4520, 0x6790, 0xAB80, 0x7777));
 }
 
-TEST_P(UnpackKernelsOf, AllUnpackAsThePlainLoopDoes) {
+using Unpack = decltype(KPF_READER::UnpackKernels::unpackPairs);
+
+void expectAsPlain(Unpack unpack, Unpack plain) {
   TEST_SUPPORT::forKernelInputs([&](std::size_t pairs, std::size_t offset, const Source& source) {
     const auto in = TEST_SUPPORT::filled<unsigned char>(3 * pairs + offset, source);
     Samples out(kGuard + offset + 2 * pairs + kGuard, 0xA5A5);
     Samples expected = out;
-    plain.unpackPairs(in.data() + offset, expected.data() + kGuard + offset, pairs);
-    kernels->unpackPairs(in.data() + offset, out.data() + kGuard + offset, pairs);
+    plain(in.data() + offset, expected.data() + kGuard + offset, pairs);
+    unpack(in.data() + offset, out.data() + kGuard + offset, pairs);
     ASSERT_TRUE(out == expected) << pairs << " pairs, offset " << offset;
   });
+}
+
+TEST_P(UnpackKernelsOf, AllUnpackAsThePlainLoopDoes) {
+  expectAsPlain(kernels->unpackPairs, plain.unpackPairs);
+  expectAsPlain(kernels->unpackValues, plain.unpackValues);
 }
 
 INSTANTIATE_KERNEL_TEST(UnpackKernelsOf);
