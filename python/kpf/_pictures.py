@@ -9,7 +9,7 @@ import numpy
 
 from . import _signatures, errors
 from ._buffers import Buffers
-from ._pages import give_back
+from ._pages import Behind
 from ._reader import Reader
 from ._table import Table
 
@@ -19,6 +19,9 @@ FORMS = {"value": _signatures.SAMPLES_VALUE, "left": _signatures.SAMPLES_LEFT}
 ACCESS = {"sequential": _signatures.ACCESS_SEQUENTIAL, "sparse": _signatures.ACCESS_SPARSE}
 LOST = ("mask", "nan", "repeat", "raise")
 
+# A recording of fewer bytes may stay in memory for the next time it is iterated over.
+_LONG = 64 << 20
+
 
 class Pictures:
     """Reads by place, which is the number of a frame from 0; lost ones keep theirs."""
@@ -26,12 +29,14 @@ class Pictures:
     def __init__(self, path: str, options: dict[str, str]) -> None:
         self.reader = Reader(path, ACCESS[options["access"]])
         info = self.reader.info
-        self.shape = (info.height, info.width)
+        self.shape = self.reader.shape
         self.stored_dtype = numpy.dtype(numpy.uint8 if info.bits == 8 else numpy.uint16)
         self._lost = options["lost"]
         self.dtype = numpy.dtype(numpy.float32) if self._lost == "nan" else self.stored_dtype
         self._form = FORMS[options["samples"]]
-        self._gives_back = options["access"] == "sequential"
+        self._frame_size = info.frame_size
+        long = info.frame_size * info.frame_count > _LONG
+        self._gives_back = long and options["access"] == "sequential"
 
     @cached_property
     def table(self) -> Table:
@@ -48,7 +53,7 @@ class Pictures:
         return picture.astype(numpy.float32) if self._lost == "nan" else picture
 
     def _picture(self, frame: _signatures.Frame, out: Array | None = None) -> Array:
-        if self.reader.info.bits == 8:
+        if self.reader.bits == 8:
             return self.reader.view(frame)
         samples = numpy.empty(self.shape, numpy.uint16) if out is None else out
         self.reader.unpack(frame, samples, self._form)
@@ -64,24 +69,26 @@ class Pictures:
             return numpy.full(self.shape, numpy.nan, numpy.float32)
         return numpy.ma.masked_all(self.shape, self.dtype)
 
-    def _read_once(self, frame: _signatures.Frame) -> None:
-        if self._gives_back and frame.pixels:
-            give_back(frame.pixels, self.reader.info.frame_size)
+    def _behind(self) -> Behind | None:
+        return Behind(self._frame_size) if self._gives_back else None
 
     def iterate(self, places: Sequence[int]) -> Iterator[Array]:
         """Frame by frame, in memory that is used again where nobody keeps it."""
         unpacked = self.stored_dtype == numpy.uint16
         buffers = Buffers(self.shape, self.stored_dtype) if unpacked else None
+        behind = self._behind()
         for place in places:
             frame = self.reader.frame(place)
             # Not through a variable, which would hold the picture while the next one is made.
             yield self._shown(frame, place, buffers.take() if buffers else None)
-            self._read_once(frame)
+            if behind is not None:
+                behind.passed(frame)
 
     def block(self, places: Sequence[int]) -> Array:
         """Frames as one array, masked when one of them was lost and that is how to say so."""
         block = numpy.empty((len(places), *self.shape), self.dtype)
         lost: list[int] = []
+        behind = self._behind()
         for at, place in enumerate(places):
             frame = self.reader.frame(place)
             shown = self._shown(frame, place, block[at] if block.dtype == numpy.uint16 else None)
@@ -90,7 +97,8 @@ class Pictures:
                 block[at] = 0
             elif not numpy.may_share_memory(shown, block):
                 block[at] = shown
-            self._read_once(frame)
+            if behind is not None:
+                behind.passed(frame)
         return masked(block, lost) if lost else block
 
     def plain(self, block: Array) -> Array:

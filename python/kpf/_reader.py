@@ -12,6 +12,9 @@ import numpy
 from . import _signatures
 from ._library import encoded, lib
 
+# Copied, which takes less time than filling one in.
+_EMPTY_FRAME = bytes(_signatures.Frame())
+
 
 class Stored:
     """Stored pixels, as NumPy takes them without copying.
@@ -35,7 +38,7 @@ class Reader:
     that need the handle take turns, unpacking needs none.
     """
 
-    __slots__ = ("path", "info", "_handle", "_lock", "__weakref__")
+    __slots__ = ("path", "info", "shape", "bits", "_size", "_handle", "_lock", "__weakref__")
 
     def __init__(self, path: str, access: int) -> None:
         self.path = path
@@ -48,6 +51,9 @@ class Reader:
         weakref.finalize(self, lib.kpf_reader_close, self._handle).atexit = False
         self.info = _signatures.RecordingInfo()
         lib.kpf_reader_describe(self._handle, self.info)
+        # Members of a structure are made anew each time one looks at them.
+        self.shape = (self.info.height, self.info.width)
+        self.bits, self._size = self.info.bits, self.info.frame_size
 
     @property
     def identity(self) -> tuple[Any, ...]:
@@ -56,7 +62,7 @@ class Reader:
         return (bytes(info.identifier), info.width, info.height, info.bits, info.frames_per_file)
 
     def frame(self, place: int) -> _signatures.Frame:
-        frame = _signatures.Frame()
+        frame = _signatures.Frame.from_buffer_copy(_EMPTY_FRAME)
         with self._lock:
             lib.kpf_reader_frame(self._handle, place, frame)
         return frame
@@ -69,11 +75,10 @@ class Reader:
 
     def view(self, frame: _signatures.Frame) -> numpy.ndarray[Any, Any]:
         """The pixels of an 8-bit frame, read-only, where they lie in the file."""
-        shape = (self.info.height, self.info.width)
-        return numpy.asarray(Stored(self, frame.pixels, shape))
+        return numpy.asarray(Stored(self, frame.pixels, self.shape))
 
     def unpack(self, frame: _signatures.Frame, samples: numpy.ndarray[Any, Any], form: int) -> None:
         """Unpacks a 12-bit frame into `samples`, which is contiguous and of its size."""
-        info = self.info
-        lib.kpf_unpack(info.width, info.height, info.bits, frame.pixels, info.frame_size,
+        height, width = self.shape
+        lib.kpf_unpack(width, height, self.bits, frame.pixels, self._size,
                        samples.__array_interface__["data"][0], samples.size, form)
