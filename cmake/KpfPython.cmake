@@ -28,3 +28,9 @@ set(VLM_PYTHON_DIR lib/python${python_version}/${packages} CACHE STRING
 install(DIRECTORY python/kpf DESTINATION ${VLM_PYTHON_DIR} COMPONENT kpf_python
   FILES_MATCHING PATTERN "*.py" PATTERN "*.yaml" PATTERN "py.typed" PATTERN __pycache__ EXCLUDE)
 install(DIRECTORY ${kpf_metadata} DESTINATION ${VLM_PYTHON_DIR} COMPONENT kpf_python)
+
+# A wheel with the library inside, for systems like this one: `cmake --build FOLDER --target kpf_wheel`.
+add_custom_target(kpf_wheel VERBATIM DEPENDS libkpf
+  COMMAND ${CMAKE_COMMAND} -D PYTHON=${VLM_PYTHON} -D SOURCE=${PROJECT_SOURCE_DIR}/python
+    -D LIBRARY=$<TARGET_FILE:libkpf> -D NAME=$<TARGET_SONAME_FILE_NAME:libkpf>
+    -D FOLDER=${PROJECT_BINARY_DIR}/wheel -P ${PROJECT_SOURCE_DIR}/cmake/kpf_wheel.cmake)

@@ -14,13 +14,13 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR})
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
 # vlm_debian_package(COMPONENT PACKAGE SECTION [DEPENDS text] [SUGGESTS text] [CONTROL file...]
-#                    DESCRIPTION text)
+#                    [ARCHITECTURE all] DESCRIPTION text)
 #
 # Packs COMPONENT as PACKAGE; CONTROL files go beside its control file. What the programs in it are
 # linked to is found by dpkg-shlibdeps.
 set(CPACK_COMPONENTS_ALL)
 macro(vlm_debian_package component package section)
-  cmake_parse_arguments(arg "" "DEPENDS;SUGGESTS;DESCRIPTION" "CONTROL" ${ARGN})
+  cmake_parse_arguments(arg "" "DEPENDS;SUGGESTS;ARCHITECTURE;DESCRIPTION" "CONTROL" ${ARGN})
   list(APPEND CPACK_COMPONENTS_ALL ${component})
   string(TOUPPER CPACK_DEBIAN_${component} prefix)
   set(${prefix}_PACKAGE_NAME ${package})
@@ -28,6 +28,9 @@ macro(vlm_debian_package component package section)
   set(${prefix}_PACKAGE_DEPENDS ${arg_DEPENDS})
   set(${prefix}_PACKAGE_SUGGESTS ${arg_SUGGESTS})
   set(${prefix}_PACKAGE_CONTROL_EXTRA ${arg_CONTROL})
+  if(arg_ARCHITECTURE)
+    set(${prefix}_PACKAGE_ARCHITECTURE ${arg_ARCHITECTURE})
+  endif()
   set(${prefix}_DESCRIPTION ${arg_DESCRIPTION})
 endmacro()
 
@@ -73,6 +76,18 @@ amplifies small movements in it so that they can be seen.
 
 This package holds the headers in C, and what CMake and pkg-config need to
 find the library.")
+if(VLM_PYTHON_DIR)
+  vlm_debian_package(kpf_python python3-kpf python
+    ARCHITECTURE all
+    DEPENDS "${kpf_library_package} (>= ${PROJECT_VERSION}), python3 (>= 3.9), python3-numpy"
+    SUGGESTS "python3-dask, python3-distributed, python3-zarr, python3-numcodecs, python3-fsspec"
+    CONTROL ${PROJECT_SOURCE_DIR}/cmake/debian/python/postinst
+      ${PROJECT_SOURCE_DIR}/cmake/debian/python/prerm
+    DESCRIPTION "recordings of mono video as NumPy arrays
+Reads and writes recordings of mono video of 8 or 12 bits a pixel as arrays of
+NumPy, lazily and without copying where that can be, and amplifies small
+movements in them. Hands recordings to dask, and to what reads Zarr, in place.")
+endif()
 if(TARGET kpf)
   vlm_debian_package(kpf kpf video
     DEPENDS "${library_package} (>= ${PROJECT_VERSION})"

@@ -56,6 +56,13 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   add_documents(${tree} ${${package}})
   add_overrides(${tree} ${${package}} ${component})
   strip_what_cpack_leaves(${tree})
+  file(GLOB packages ${tree}/usr/lib/python3.*/dist-packages)
+  if(packages)  # the administrator's; Debian's own belong to every Python 3
+    file(MAKE_DIRECTORY ${tree}/usr/lib/python3)
+    file(RENAME ${packages} ${tree}/usr/lib/python3/dist-packages)
+    cmake_path(GET packages PARENT_PATH emptied)
+    file(REMOVE_RECURSE ${emptied})
+  endif()
   if(IS_DIRECTORY ${tree}/usr/share/zsh/site-functions)  # the administrator's, in Debian
     file(RENAME ${tree}/usr/share/zsh/site-functions ${tree}/usr/share/zsh/vendor-completions)
   endif()

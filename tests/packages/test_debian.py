@@ -59,6 +59,18 @@ class Contents(unittest.TestCase):
         self.assertLessEqual(expected, names("kpf"))
         self.assertIn(LIBRARY + " (>= ", output("dpkg-deb", "-f", str(DEBS["kpf"]), "Depends"))
 
+    @unittest.skipUnless("python3-kpf" in DEBS, "the package for Python was not built")
+    def test_the_package_for_python_is_pure_and_where_debian_looks(self):
+        folder = "usr/lib/python3/dist-packages/"
+        found = names("python3-kpf")
+        self.assertLessEqual({folder + "kpf/__init__.py", folder + "kpf/py.typed",
+                              folder + "kpf/napari.yaml"}, found)
+        self.assertTrue(any(name.endswith(".dist-info/entry_points.txt") for name in found), found)
+        self.assertTrue(all(name.startswith((folder + "kpf", "usr/share/doc/")) for name in found))
+        fields = output("dpkg-deb", "-f", str(DEBS["python3-kpf"]))
+        self.assertIn("Architecture: all", fields)
+        self.assertRegex(fields, r"Depends: libkpf\d+ \(>= [\d.]+\), python3 .*python3-numpy")
+
     def test_every_package_says_what_it_is(self):
         for package, file in DEBS.items():
             doc = "usr/share/doc/" + package
