@@ -17,6 +17,8 @@ constexpr double kSlopeNoise = 2 * (45. * 45 + 9 * 9 + 1) / (60. * 60);
 constexpr double kTrusted = 9;
 // and stronger than what rounding to whole levels may make up: squared levels a pixel.
 constexpr double kRounding = 0.01;
+// An axis of which less is shown tells what the other one leaks into it.
+constexpr double kShown = 0.01;
 
 float slope(const float* level, std::ptrdiff_t step) {
   return kNear * (level[step] - level[-step]) + kMiddle * (level[2 * step] - level[-2 * step]) +
@@ -98,6 +100,8 @@ void Displacement::invert(double noise) {
     shownX_ += u * u;
     shownY_ += v * v;
   }
+  if (shownX_ < kShown) xx_ = xy_ = shownX_ = 0;
+  if (shownY_ < kShown) yy_ = xy_ = shownY_ = 0;
 }
 
 void Displacement::add(const unsigned char* frame) {

@@ -41,7 +41,8 @@ double leakage(double away) {
   return 1 / (std::numbers::pi * away * (away * away - 1));
 }
 
-bool isLeakage(const Peak& peak, const std::vector<Peak>& higher, const Spectrum& spectrum) {
+bool isLeakage(const Peak& peak, const std::vector<Peak>& higher, const Spectrum& spectrum,
+               double floor) {
   double height = 0;
   for (const Peak& other : higher) {
     // Frequencies below 0 and beyond Nyquist's mirror those in between, and leak as well.
@@ -51,7 +52,8 @@ bool isLeakage(const Peak& peak, const std::vector<Peak>& higher, const Spectrum
       height += other.amplitude * leakage(away / spectrum.resolution);
     }
   }
-  return peak.amplitude < 1.5 * height;  // as bounds go: the sum is only about right
+  // The sum is only about right, and noise rides on it.
+  return peak.amplitude < 1.5 * height + (higher.empty() ? 0 : floor);
 }
 
 std::vector<Peak> localMaxima(const Spectrum& spectrum, double floor, double noise) {
@@ -77,7 +79,7 @@ std::vector<Peak> peaksOf(const Spectrum& spectrum, std::size_t most, double abo
   std::vector<Peak> higher;  // slow ones too: they leak as well
   for (const Peak& peak : localMaxima(spectrum, floor, noise)) {
     if (kept.size() == most) break;
-    if (isLeakage(peak, higher, spectrum)) continue;
+    if (isLeakage(peak, higher, spectrum, floor)) continue;
     higher.push_back(peak);
     if (peak.frequency >= kFewestCycles * spectrum.resolution) kept.push_back(peak);
   }

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/kpf/analysis/clean_amplifier.h"
 #include "tools/kpf/commands/commands.h"
 #include "tools/kpf/commands/open.h"
 #include "tools/kpf/frames/amplifier.h"
@@ -37,6 +38,7 @@ struct AmplifyOptions {
   double gain = 4;
   double rate = 0;       // frames per second; 0: the input's
   bool compare = false;  // original, reference and amplified frame side by side
+  bool clean = false;    // the second way, see CleanAmplifier
   FrameRange range;
   bool force = false;  // replace files that are there
   bool quiet = false;
@@ -81,14 +83,16 @@ class AmplifyRun {
         frames_(framesAskedFor(source, options.range, options.input)),
         amplifier_({rate_, options.frequency, static_cast<int>(source.width()),
                     static_cast<int>(source.height()), options.gain}),
+        clean_(amplifier_.windowSize(), options.gain),
         wrapping_(options.gain),
         frame_(source.frameSize()) {
     if (source.frameCount() > 0) checkWindow(lastOf(source.frameCount()) + 1, Outcome::kWrongUsage);
     PictureFormat format{source.width(), source.height(),       Samples::k8Bit,
                          rate_,          options.range.first(), frames_};
     if (options.compare) {
-      comparison_.emplace(source.width(), source.height(),
-                          std::array<std::string, 3>{"ORIGINAL", "REFERENCE", caption()});
+      comparison_.emplace(
+          source.width(), source.height(),
+          std::array<std::string, 3>{"ORIGINAL", options.clean ? "MEAN" : "REFERENCE", caption()});
       format.width = comparison_->width();
       format.height = comparison_->height();
     }
@@ -107,8 +111,7 @@ class AmplifyRun {
     for (; !Interrupt::requested() && !options_.range.endsBefore(number) && source_.next();
          ++number) {
       source_.copyTo(frame_.data(), source_.rowSize());
-      amplifier_.add(frame_);
-      if (amplifier_.available()) wrapping_.add(frame_, amplifier_.reference());
+      amplify();
       if (!options_.range.holds(number)) continue;
       output_->add(picture());
       progress.show(++shown);
@@ -130,7 +133,22 @@ class AmplifyRun {
 
  private:
   std::string caption() const {
-    return fmt::format("AMPLIFIED {:g}X AT {:g} HZ", options_.gain, options_.frequency);
+    return fmt::format("{} {:g}X AT {:g} HZ", options_.clean ? "CLEAN," : "AMPLIFIED",
+                       options_.gain, options_.frequency);
+  }
+
+  /// The present frame, in the way that was asked for.
+  void amplify() {
+    amplifier_.add(frame_);
+    reference_ = amplifier_.reference();
+    amplified_ = amplifier_.amplified();
+    if (!amplifier_.available()) return;
+    if (options_.clean) {
+      clean_.correct(frame_, amplifier_.reference(), reference_);
+      clean_.amplify(frame_, amplifier_.reference(), amplified_);
+    } else {
+      wrapping_.add(frame_, reference_);
+    }
   }
 
   std::uint64_t lastOf(std::uint64_t count) const {
@@ -144,9 +162,8 @@ class AmplifyRun {
   }
 
   const unsigned char* picture() {
-    if (!comparison_) return amplifier_.amplified().data();
-    return comparison_->of(
-        {frame_.data(), amplifier_.reference().data(), amplifier_.amplified().data()});
+    if (!comparison_) return amplified_.data();
+    return comparison_->of({frame_.data(), reference_.data(), amplified_.data()});
   }
 
   FrameSource& source_;
@@ -154,9 +171,10 @@ class AmplifyRun {
   double rate_;
   std::optional<std::uint64_t> frames_;  // to be written; nothing where nobody knows
   Amplifier amplifier_;
+  CleanAmplifier clean_;
   Wrapping wrapping_;
   std::optional<std::uint64_t> end_;  // the number behind the last frame, once that is known
-  std::vector<unsigned char> frame_;
+  std::vector<unsigned char> frame_, reference_, amplified_;
   std::optional<Comparison> comparison_;  // nothing where only the amplified frame is wanted
   std::unique_ptr<PictureOutput> output_;
 };
@@ -192,6 +210,7 @@ void addAmplify(CLI::App& app, Job& job) {
   line.add_option("--rate", options.rate, "frames per second instead of the input's")
       ->check(between(kLowestRate, kHighestRate));
   line.add_flag("--compare", options.compare, "original, reference, amplified side by side");
+  line.add_flag("--clean", options.clean, "only what moves: darker counts too, nothing wraps");
   addRange(line, options.range);
   line.add_flag("--force", options.force, "replace files that are there");
   line.add_flag("--quiet", options.quiet, "no progress");

@@ -14,9 +14,11 @@ Amplifier::Amplifier(const VXP_MA_CONFIGURATION& parameters)
 
 Amplifier::~Amplifier() { vxCloseMotionAmplifier(handle_); }
 
+int Amplifier::windowSize() const { return vxMAGetRefWindowSize(handle_); }
+
 // The library amplifies once one frame less than its window is held, the newest included.
 std::uint64_t Amplifier::fillingFrames() const {
-  return static_cast<std::uint64_t>(std::max(vxMAGetRefWindowSize(handle_) - 2, 0));
+  return static_cast<std::uint64_t>(std::max(windowSize() - 2, 0));
 }
 
 void Amplifier::add(const std::vector<unsigned char>& frame) {

@@ -19,6 +19,9 @@ class Amplifier {
   Amplifier(const Amplifier&) = delete;
   Amplifier& operator=(const Amplifier&) = delete;
 
+  /// What the library divides its sums by.
+  int windowSize() const;
+
   /// The frames that the window takes before the first one is amplified, that one not counted.
   std::uint64_t fillingFrames() const;
 

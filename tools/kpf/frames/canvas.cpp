@@ -62,6 +62,10 @@ void Canvas::place(const unsigned char* picture, unsigned w, unsigned h, unsigne
   }
 }
 
+void Canvas::dot(unsigned x, unsigned y, unsigned char grey) {
+  if (x < width_ && y < height_) pixels_[std::size_t{y} * width_ + x] = grey;
+}
+
 void Canvas::write(const std::string& text, unsigned x, unsigned y) {
   for (const char character : text) {
     const std::size_t index = kCharacters.find(character);

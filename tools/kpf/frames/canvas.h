@@ -23,6 +23,9 @@ class Canvas {
   /// blank. Cut at the right edge; below, there must be room.
   void write(const std::string& text, unsigned x, unsigned y);
 
+  /// Sets one pixel; outside the picture none.
+  void dot(unsigned x, unsigned y, unsigned char grey);
+
   unsigned width() const { return width_; }
   unsigned height() const { return height_; }
   /// width() x height() samples, row by row from the top.
