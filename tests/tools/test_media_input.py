@@ -207,6 +207,27 @@ class WayBack(MediaInput):
             self.assertEqual((code, out), (0, "./out.kpf: 5 frames recorded, 0 placeholders\n"))
             self.assertEqual(self.read("out/out_0001.div"), self.read("first/first_0001.div"))
 
+    def test_y4m_goes_out_and_in(self):
+        for bits, name, rate in (("8", "eight", "25"), ("12", "sixteen", "100")):
+            self.record(name + ".y4m", "first.kpf", "--bits", bits, "--force", "--rate", rate)
+            video = self.kpf_bytes("export", "first.kpf", "-", "--y4m").stdout
+            self.assertTrue(video.startswith(b"YUV4MPEG2 W6 H4 F%s:1 Ip A1:1 Cmono" % rate.encode()))
+            code, out, err = self.record_piped(video, "--bits", bits, "--force")
+            self.assertEqual((code, out, err),
+                             (0, "./out.kpf: 5 frames recorded, 0 placeholders\n", ""))
+            self.assertEqual(self.read("out/out_0001.div"), self.read("first/first_0001.div"))
+            self.assertEqual(self.read("out.kpf")[:473], self.read("first.kpf")[:473])
+
+    def test_y4m_of_what_is_amplified(self):
+        video = self.kpf_bytes("amplify", "eight.y4m", "-", "--y4m", "--frequency", "12", "--rate",
+                               "29.97", "--quiet").stdout
+        self.assertEqual(video[:video.index(b"\n") + 7],
+                         b"YUV4MPEG2 W6 H4 F29970:1000 Ip A1:1 Cmono\nFRAME\n")
+        self.assertEqual(len(video), video.index(b"\n") + 1 + 5 * (6 + 24))
+        code, _, err = self.kpf("amplify", "eight.y4m", "out.mkv", "--y4m", "--frequency", "12")
+        self.assertEqual(code, 2)
+        self.assertIn("Y4M goes to standard output only", err)
+
     def test_bare_frames_must_be_named_well(self):
         for raw in ("6x4", "0x4:gray8", "6x4:rgb24", "6 x 4:gray8", "6x4:gray8:"):
             code, _, err = self.kpf("record", "eight.y4m", "out.kpf", "--raw", raw)

@@ -40,6 +40,7 @@ struct AmplifyOptions {
   bool compare = false;  // original, reference and amplified frame side by side
   bool clean = false;    // the second way, see CleanAmplifier
   FrameRange range;
+  bool y4m = false;    // in a pipe
   bool force = false;  // replace files that are there
   bool quiet = false;
 };
@@ -87,8 +88,8 @@ class AmplifyRun {
         wrapping_(options.gain),
         frame_(source.frameSize()) {
     if (source.frameCount() > 0) checkWindow(lastOf(source.frameCount()) + 1, Outcome::kWrongUsage);
-    PictureFormat format{source.width(), source.height(),       Samples::k8Bit,
-                         rate_,          options.range.first(), frames_};
+    PictureFormat format{source.width(),        source.height(), Samples::k8Bit, rate_,
+                         options.range.first(), frames_,         options.y4m};
     if (options.compare) {
       comparison_.emplace(
           source.width(), source.height(),
@@ -212,6 +213,7 @@ void addAmplify(CLI::App& app, Job& job) {
   line.add_flag("--compare", options.compare, "original, reference, amplified side by side");
   line.add_flag("--clean", options.clean, "only what moves: darker counts too, nothing wraps");
   addRange(line, options.range);
+  addY4m(line, options.y4m);
   line.add_flag("--force", options.force, "replace files that are there");
   line.add_flag("--quiet", options.quiet, "no progress");
   addFooter(line, "kpf amplify clip.kpf moving.mp4 --frequency 5 --gain 8 --compare",

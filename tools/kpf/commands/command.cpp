@@ -37,6 +37,10 @@ CLI::Validator between(double low, double high) {
   return {check, fmt::format("{} to {}", low, high)};
 }
 
+void addY4m(CLI::App& line, bool& y4m) {
+  line.add_flag("--y4m", y4m, "on standard output Y4M, which tells size, depth and rate");
+}
+
 void addJson(CLI::App& line, bool& json) { line.add_flag("--json", json, "for programs"); }
 
 }  // namespace KPF_TOOL

@@ -50,6 +50,9 @@ void addFooter(CLI::App& line, const std::string& example, const ExitStatus& sta
 /// --from and --to.
 void addRange(CLI::App& line, FrameRange& range);
 
+/// --y4m: frames in a pipe say what they are.
+void addY4m(CLI::App& line, bool& y4m);
+
 /// A number of a range; what is none, and NaN, is refused in words that name the range.
 CLI::Validator between(double low, double high);
 

@@ -22,6 +22,7 @@ struct ExportOptions {
   std::string file;    // header file
   std::string output;  // see openOutput
   FrameRange range;
+  bool y4m = false;    // in a pipe
   bool force = false;  // replace files that are there
   bool quiet = false;
 };
@@ -29,9 +30,9 @@ struct ExportOptions {
 std::unique_ptr<PictureOutput> openOutputFor(const FrameSource& source, std::uint64_t frames,
                                              const ExportOptions& options) {
   const double rate = source.frameRate() > 0 ? source.frameRate() : kRateOfNone;
-  return openOutput(
-      {options.output, options.force, filesRead(options.file)},
-      {source.width(), source.height(), source.samples(), rate, options.range.first(), frames});
+  return openOutput({options.output, options.force, filesRead(options.file)},
+                    {source.width(), source.height(), source.samples(), rate, options.range.first(),
+                     frames, options.y4m});
 }
 
 /// @return how many of `frames` frames went out before the user wanted to stop.
@@ -75,6 +76,7 @@ void addExport(CLI::App& app, Job& job) {
                   ".mkv lossless, .mp4 for viewing, frame_%06d.png or .tif, - raw")
       ->required();
   addRange(line, options.range);
+  addY4m(line, options.y4m);
   line.add_flag("--force", options.force, "replace files that are there");
   line.add_flag("--quiet", options.quiet, "no progress");
   addFooter(line, "kpf export clip.kpf frame_%06d.tif --from 100 --to 199",

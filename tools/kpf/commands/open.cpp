@@ -53,7 +53,11 @@ FileIds filesRead(const std::string& name) {
 
 std::unique_ptr<PictureOutput> openOutput(const Destination& destination,
                                           const PictureFormat& format) {
-  if (destination.name != "-") return openEncodedOutput(destination, format);
+  if (destination.name != "-") {
+    if (!format.y4m) return openEncodedOutput(destination, format);
+    throw ToolError(Outcome::kWrongUsage, "Y4M goes to standard output only",
+                    "Write - for the output, or leave out --y4m.");
+  }
   if (destination.input.holds(STDOUT_FILENO)) {
     throw ToolError(Outcome::kRefused, "standard output is what is read",
                     "Send the frames into another file.");

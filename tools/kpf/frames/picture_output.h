@@ -19,6 +19,7 @@ struct PictureFormat {
   double frameRate = 25;
   std::uint64_t firstNumber = 0;
   std::optional<std::uint64_t> frames;  // nothing where nobody knows
+  bool y4m = false;                     // in a pipe: say what the frames are
 
   /// Bytes of a row without padding.
   std::size_t rowSize() const { return width * bytesOf(samples); }

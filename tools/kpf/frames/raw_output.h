@@ -8,7 +8,8 @@
 
 namespace KPF_TOOL {
 
-/// Writes the bare frames to what is standard output now, also when that is captured later.
+/// Writes the frames, bare or as Y4M, to what is standard output now, also when that is captured
+/// later.
 std::unique_ptr<PictureOutput> openRawOutput(const PictureFormat& format);
 
 }  // namespace KPF_TOOL
