@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -140,6 +141,34 @@ TEST_F(RecordedFrames, LostOnesHaveNoTime) {
   const auto source = openRecording(name, Samples::k8Bit);
   source->next();
   EXPECT_FALSE(source->time().has_value());
+}
+
+TEST_F(RecordedFrames, LostOnesSaySoAndAreNoFlaw) {
+  const std::string name = eight();
+  auto file = TEST_SUPPORT::readBytes(folder_ / "clip8/clip8_0001.div");
+  std::memset(file.data(), 0, file.size() / 2);
+  TEST_SUPPORT::writeBytes(folder_ / "clip8/clip8_0001.div", file);
+  const auto source = openRecording(name, Samples::k16Bit);
+  source->next();
+  EXPECT_TRUE(source->lost());
+  EXPECT_EQ(copied(*source, 9),
+            (Bytes{0, 0, 0, 0, 0, 0, 0, 0, 0xA5, 0, 0, 0, 0, 0, 0, 0, 0, 0xA5}));
+  source->next();
+  EXPECT_FALSE(source->lost());
+  EXPECT_EQ(source->flaw(), "");
+}
+
+TEST_F(RecordedFrames, AFileThatShrinksLosesItsFramesAndNoMore) {
+  const std::string name = record(8, std::vector<Bytes>(1 << 16, Bytes(8, 7)));
+  const auto source = openRecording(name, Samples::k8Bit);
+  ASSERT_TRUE(source->next());
+  std::filesystem::resize_file(folder_ / "clip8/clip8_0001.div", 1 << 20);
+  source->skip(65534);
+  ASSERT_TRUE(source->next());
+  EXPECT_TRUE(source->lost());
+  EXPECT_FALSE(source->next());
+  EXPECT_EQ(source->flaw(), "1 frame is unreadable (" + (folder_ / "clip8/clip8_0001.div") +
+                                ", byte 1572840: the file has become shorter)");
 }
 
 TEST_F(RecordedFrames, TheirOwnSamplesAreThoseThatLoseNothing) {

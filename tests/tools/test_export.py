@@ -159,7 +159,10 @@ class Export(VideoTest):
 
     def test_recording_cut_short_gives_what_is_there(self):
         self.cut("eight/eight_0001.div", 40 * 3 + 7)
-        self.assertEqual(self.raw("eight.kpf", "-"), b"".join(map(bytes, self.eight[:3])))
+        done = self.kpf_bytes("export", "eight.kpf", "-")
+        self.assertEqual((done.returncode, done.stderr),
+                         (1, b"kpf: eight.kpf: the recording ends after 3 of 5 announced frames\n"))
+        self.assertEqual(done.stdout, b"".join(map(bytes, self.eight[:3])))
 
     def test_bad_arguments(self):
         for what, arguments in (

@@ -191,7 +191,7 @@ Outcome runAmplify(const AmplifyOptions& options) {
     return Outcome::kCutShort;
   }
   for (const std::string& line : job.remarks()) remark(options.quiet, line);
-  if (shown > 0) return Outcome::kDone;
+  if (shown > 0) return endOf(*source, options.input);
   throw noSuchFrames(options.input, "it ends before them");
 }
 

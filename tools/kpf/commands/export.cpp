@@ -61,7 +61,7 @@ Outcome runExport(const ExportOptions& options) {
   remark(options.quiet, beyondEnd(options.range, source->frameCount()));
   remark(options.quiet, output->remark());
   const std::uint64_t done = copyFrames(*source, *output, options, *frames);
-  if (done == *frames) return Outcome::kDone;
+  if (done == *frames) return endOf(*source, options.file);
   fmt::print(stderr, "kpf: {} of {} frames exported: interrupted\n", done, *frames);
   return Outcome::kCutShort;
 }

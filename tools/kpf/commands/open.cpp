@@ -89,4 +89,11 @@ void remark(bool quiet, const std::string& line) {
   if (!quiet && !line.empty()) fmt::print(stderr, "kpf: {}\n", line);
 }
 
+Outcome endOf(const FrameSource& source, const std::string& name) {
+  const std::string flaw = source.flaw();
+  if (flaw.empty()) return Outcome::kDone;
+  fmt::print(stderr, "kpf: {}: {}\n", escaped(name), flaw);
+  return Outcome::kCutShort;
+}
+
 }  // namespace KPF_TOOL

@@ -11,6 +11,7 @@
 #include "tools/kpf/frames/frame_range.h"
 #include "tools/kpf/frames/frame_source.h"
 #include "tools/kpf/frames/picture_output.h"
+#include "tools/kpf/terminal/outcome.h"
 #include "tools/kpf/terminal/tool_error.h"
 
 namespace KPF_TOOL {
@@ -41,6 +42,10 @@ std::string beyondEnd(const FrameRange& range, std::uint64_t count);
 
 /// Prints a line that is worth knowing and no failure; an empty one is none.
 void remark(bool quiet, const std::string& line);
+
+/// How a command ends that took all it was asked for from `source`: a flaw of it is told, and is no
+/// success.
+Outcome endOf(const FrameSource& source, const std::string& name);
 
 }  // namespace KPF_TOOL
 

@@ -50,6 +50,13 @@ class FrameSource {
   /// Passes over `frames` frames, those behind the end included.
   virtual void skip(std::uint64_t frames) = 0;
 
+  /// Whether the present frame was lost: it keeps its place, and its samples are 0.
+  virtual bool lost() const { return false; }
+
+  /// What of the frames so far the source should have had and did not, in words for the user; empty
+  /// when all were as they should be. Frames that were recorded as lost are no such thing.
+  virtual std::string flaw() const { return ""; }
+
   /// Bytes of a row without padding.
   std::size_t rowSize() const { return width() * bytesOf(samples()); }
   /// Bytes of a frame, its rows without padding.

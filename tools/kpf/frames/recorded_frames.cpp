@@ -1,5 +1,7 @@
 #include "tools/kpf/frames/recorded_frames.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -7,11 +9,12 @@
 #include <vector>
 
 #include "kpf_reader.h"
+#include "tools/kpf/records/records.h"
+#include "tools/kpf/terminal/text.h"
 
 namespace KPF_TOOL {
 namespace {
 
-using KPF_READER::FrameRecord;
 using KPF_READER::Recording;
 
 /// Rows of the reader's 16-bit samples, as they are or only their high bytes.
@@ -29,31 +32,57 @@ void copySamples(const std::vector<std::uint16_t>& in, Samples samples, std::siz
 class RecordedFrames : public FrameSource {
  public:
   RecordedFrames(const std::string& name, Samples samples)
-      : recording_(name), samples_(samples), unpacked_(recording_.header().pixelCount()) {}
+      : recording_(name),
+        records_(recording_, KPF_READER::Access::kSequential),
+        samples_(samples),
+        places_(records_.places()) {}
 
   unsigned width() const override { return recording_.header().width; }
   unsigned height() const override { return recording_.header().height; }
   Samples samples() const override { return samples_; }
   double frameRate() const override { return recording_.header().frameRate; }
-  std::uint64_t frameCount() const override { return recording_.recordCount(); }
+  std::uint64_t frameCount() const override { return places_; }
 
   bool next() override {
-    if (next_ >= recording_.recordCount()) return false;
-    present_ = static_cast<std::uint32_t>(next_++);
+    if (next_ >= places_) return false;
+    present_ = fetch(static_cast<std::uint32_t>(next_++));
     return true;
   }
 
   std::optional<double> time() const override {
-    const FrameRecord record = recording_.record(present_);
-    if (record.placeholder) return std::nullopt;
-    return static_cast<double>(record.seconds) + record.microseconds / 1e6;
+    if (lost()) return std::nullopt;
+    return static_cast<double>(present_->seconds) + present_->microseconds / 1e6;
+  }
+
+  bool lost() const override { return !present_ || present_->placeholder; }
+
+  std::string flaw() const override {
+    std::string text;
+    const auto add = [&text](const std::string& more) {
+      text += (text.empty() ? "" : ", ") + more;
+    };
+    if (missing_ != 0) {
+      add(fmt::format("{} missing, the first is {}", areText(missing_), firstMissing_));
+    }
+    if (unreadable_ != 0) {
+      add(fmt::format("{} unreadable ({})", areText(unreadable_), escaped(unreadableText_)));
+    }
+    if (next_ >= places_ && places_ < recording_.header().frameCount) {
+      add(fmt::format("the recording ends after {} of {} announced frames", places_,
+                      recording_.header().frameCount));
+    }
+    return text;
   }
 
   void copyTo(unsigned char* out, std::size_t stride) override {
-    if (samples_ == Samples::k8Bit && !recording_.header().packed12) {
-      copyPixels(recording_.record(present_), out, stride);
+    if (lost()) {
+      for (unsigned y = 0; y < height(); ++y) std::fill_n(out + y * stride, rowSize(), 0);
+    } else if (samples_ == Samples::k8Bit && !recording_.header().packed12) {
+      copyPixels(out, stride);
     } else {
-      recording_.unpack(present_, unpacked_);
+      // Only now that a frame is there: a header alone may claim any size.
+      unpacked_.resize(recording_.header().pixelCount());
+      KPF_READER::unpackPixels(recording_.header(), present_->pixels, unpacked_);
       copySamples(unpacked_, samples_, width(), out, stride);
     }
   }
@@ -61,19 +90,40 @@ class RecordedFrames : public FrameSource {
   void skip(std::uint64_t frames) override { next_ += frames; }
 
  private:
+  static std::string areText(std::uint64_t frames) {
+    return countText(frames, "frame") + (frames == 1 ? " is" : " are");
+  }
+
+  /// Nothing where a data file or its end is missing, or where the disk fails.
+  std::optional<Record> fetch(std::uint32_t place) {
+    try {
+      if (records_.fileOf(place) != nullptr) return records_.read(place);
+      if (missing_++ == 0) firstMissing_ = place;
+    } catch (const KPF_READER::RecordingError& error) {
+      if (unreadable_++ == 0) unreadableText_ = error.what();
+    }
+    return std::nullopt;
+  }
+
   /// What is stored a byte a pixel needs no detour over 16 bits.
-  void copyPixels(const FrameRecord& record, unsigned char* out, std::size_t stride) const {
+  void copyPixels(unsigned char* out, std::size_t stride) const {
     for (unsigned y = 0; y < height(); ++y) {
-      const auto row = record.pixels.subspan(std::size_t{y} * width(), width());
+      const auto row = present_->pixels.subspan(std::size_t{y} * width(), width());
       std::copy(row.begin(), row.end(), out + y * stride);
     }
   }
 
   Recording recording_;
+  Records records_;
   Samples samples_;
+  std::uint32_t places_;
   std::vector<std::uint16_t> unpacked_;
-  std::uint64_t next_ = 0;     // may lie far behind the end, so wider than a record's number
-  std::uint32_t present_ = 0;  // the frame that next() went on to
+  std::uint64_t next_ = 0;         // may lie far behind the end, so wider than a record's number
+  std::optional<Record> present_;  // the frame that next() went on to
+  std::uint64_t missing_ = 0;
+  std::uint32_t firstMissing_ = 0;
+  std::uint64_t unreadable_ = 0;
+  std::string unreadableText_;  // of the first
 };
 
 }  // namespace

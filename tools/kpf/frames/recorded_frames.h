@@ -9,9 +9,9 @@
 
 namespace KPF_TOOL {
 
-/// Gives the records that are there, in order. Of 12-bit recordings the 8-bit samples are the high
-/// bytes; 8-bit ones fill the upper half of 16.
-/// @throws KPF_READER::RecordingError, also while frames are copied.
+/// Gives a frame for every place, up to the last one whose record is there: what lies between is
+/// lost. Of 12-bit recordings the 8-bit samples are the high bytes; 8-bit ones fill the upper half
+/// of 16. @throws KPF_READER::RecordingError.
 std::unique_ptr<FrameSource> openRecording(const std::string& name, Samples samples);
 
 /// The samples in which nothing of a recording is lost. @throws KPF_READER::RecordingError.

@@ -1,0 +1,99 @@
+"""A frame's number is its place, whatever is missing before it."""
+import os
+import subprocess
+import unittest
+
+from recordings import KPF, RecordingTest, header, record
+
+
+class Places(RecordingTest):
+    def setUp(self):
+        """Six frames of the samples 1, 2, 3 ..., two a data file."""
+        super().setUp()
+        self.write("clip.kpf", header(per_file=2, frames=6))
+        for first in (0, 2, 4):
+            self.write("clip/clip_%04d.div" % (first // 2 + 1),
+                       self.record(first) + self.record(first + 1))
+
+    def record(self, number):
+        return record(number, pixels=bytes([number + 1]) * 8)
+
+    def lose_the_second_file(self):
+        os.remove(self.path("clip/clip_0002.div"))
+
+    def frames(self, *arguments, command="export", code=0, err=b""):
+        """The first sample of each frame that goes out, 0 where it is lost."""
+        done = self.kpf_bytes(command, "clip.kpf", "-", *arguments)
+        self.assertEqual((done.returncode, done.stderr), (code, err))
+        self.assertEqual(len(done.stdout) % 8, 0)
+        return list(done.stdout[::8])
+
+    def test_missing_data_file_keeps_its_places(self):
+        self.lose_the_second_file()
+        frames = self.frames(code=1, err=b"kpf: clip.kpf: 2 frames are missing, the first is 2\n")
+        self.assertEqual(len(frames), 6)
+        self.assertEqual(frames[:2] + frames[4:], [1, 2, 5, 6])
+
+    def test_ranges_are_places(self):
+        self.lose_the_second_file()
+        self.assertEqual(self.frames("--from", "4"), [5, 6])
+        self.assertEqual(self.frames("--to", "1"), [1, 2])
+        self.assertEqual(self.frames("--from", "5", "--to", "5"), [6])
+
+    def test_ranges_that_begin_in_a_hole(self):
+        self.lose_the_second_file()
+        frames = self.frames("--from", "3", code=1,
+                             err=b"kpf: clip.kpf: 1 frame is missing, the first is 3\n")
+        self.assertEqual((len(frames), frames[1:]), (3, [5, 6]))
+
+    def test_images_bear_their_places(self):
+        self.lose_the_second_file()
+        self.assertEqual(self.kpf("export", "clip.kpf", "f_%02d.png", "--from", "4"), (0, "", ""))
+        self.assertEqual(sorted(name for name in os.listdir(self.folder) if name[:2] == "f_"),
+                         ["f_04.png", "f_05.png"])
+
+    def test_short_data_file_moves_nothing(self):
+        self.cut("clip/clip_0002.div", 24 + 9)
+        frames = self.frames(code=1, err=b"kpf: clip.kpf: 1 frame is missing, the first is 3\n")
+        self.assertEqual((len(frames), frames[:3] + frames[4:]), (6, [1, 2, 3, 5, 6]))
+
+    def test_recording_that_ends_early(self):
+        self.cut("clip/clip_0003.div", 24 + 9)
+        self.assertEqual(
+            self.frames(code=1, err=b"kpf: clip.kpf: the recording ends after 5 of 6 announced "
+                                    b"frames\n"), [1, 2, 3, 4, 5])
+        self.assertEqual(self.frames("--to", "3"), [1, 2, 3, 4])
+
+    def test_amplified_frames_keep_their_places(self):
+        self.lose_the_second_file()
+        arguments = ("--gain", "0", "--frequency", "12.5")
+        line = b"kpf: clip.kpf: 2 frames are missing, the first is 2\n"
+        frames = self.frames(*arguments, command="amplify", code=1, err=line)
+        self.assertEqual((len(frames), frames[:2] + frames[4:]), (6, [1, 2, 5, 6]))
+        self.assertEqual(self.frames("--from", "4", *arguments, command="amplify", code=1,
+                                     err=line), [5, 6])
+
+    def test_file_that_shrinks_while_it_is_read(self):
+        self.write("clip.kpf", header(width=64, height=64, frames=2000))
+        self.write("clip/clip_0001.div",
+                   b"".join(record(n, pixels=b"\x07" * 4096) for n in range(2000)))
+        with subprocess.Popen([KPF, "export", "clip.kpf", "-"], cwd=self.folder,
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE) as process:
+            first = process.stdout.read(4096)  # at work; the pipe is full long before the end
+            self.cut("clip/clip_0001.div", 10 * 4112)
+            rest, err = process.communicate(timeout=60)
+        self.assertEqual(process.returncode, 1)
+        self.assertRegex(err, rb"^kpf: clip.kpf: \d+ frames are unreadable \(clip/clip_0001.div, "
+                              rb"byte \d+: the file has become shorter\)\n$")
+        self.assertEqual(len(first + rest), 2000 * 4096)
+        self.assertEqual(first, b"\x07" * 4096)
+
+    def test_numbers_beyond_the_end_are_told_with_the_places(self):
+        self.lose_the_second_file()
+        code, _, err = self.kpf("export", "clip.kpf", "-", "--from", "6")
+        self.assertEqual(code, 2)
+        self.assertIn("it has 6, from 0 on", err)
+
+
+if __name__ == "__main__":
+    unittest.main()

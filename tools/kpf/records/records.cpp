@@ -1,0 +1,133 @@
+#include "tools/kpf/records/records.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <iterator>
+#include <stdexcept>
+#include <system_error>
+
+#include "format/kpf_layout.h"
+
+namespace KPF_TOOL {
+using KPF_READER::DivFile;
+using KPF_READER::RecordingError;
+namespace layout = KPF_FORMAT::FRAME_HEADER;
+namespace {
+
+constexpr std::uint64_t kBlock = std::uint64_t{1} << 20;
+constexpr std::uint64_t kPage = 4096;  // closer than this, headers are not worth a call each
+
+/// The first byte is 0, and each other byte is the one before it: compared in the widest strides.
+bool allZero(std::span<const unsigned char> bytes) {
+  return bytes[0] == 0 && std::memcmp(bytes.data(), bytes.data() + 1, bytes.size() - 1) == 0;
+}
+
+void parse(std::span<const unsigned char> bytes, Record& record) {
+  const auto number = [&bytes](KPF_FORMAT::Field field) {
+    return KPF_FORMAT::load(bytes.data(), field);
+  };
+  record.sequenceNumber = static_cast<std::uint32_t>(number(layout::kSequenceNumber));
+  record.seconds = static_cast<std::int64_t>(number(layout::kSeconds));
+  record.microseconds = static_cast<std::uint32_t>(number(layout::kMicroseconds));
+}
+
+std::string lastError() { return std::system_category().message(errno); }
+
+}  // namespace
+
+Records::Records(const KPF_READER::Recording& recording, KPF_READER::Access access)
+    : recording_(recording),
+      ahead_(access == KPF_READER::Access::kSequential || recording.header().recordSize() < kPage
+                 ? kBlock
+                 : 0) {}
+
+Records::~Records() {
+  if (descriptor_ >= 0) ::close(descriptor_);
+}
+
+std::uint32_t Records::places() const {
+  const auto& files = recording_.divFiles();
+  const auto last =
+      std::find_if(files.rbegin(), files.rend(), [](const DivFile& f) { return f.records != 0; });
+  if (last == files.rend()) return 0;
+  return (last->number - 1) * recording_.header().framesPerDivFile + last->records;
+}
+
+const DivFile* Records::fileOf(std::uint32_t place) const {
+  const std::uint32_t number = place / recording_.header().framesPerDivFile + 1;
+  const auto& files = recording_.divFiles();
+  const auto file = std::partition_point(files.begin(), files.end(),
+                                         [number](const DivFile& f) { return f.number < number; });
+  const bool holds = file != files.end() && file->number == number &&
+                     place % recording_.header().framesPerDivFile < file->records;
+  return holds ? &*file : nullptr;
+}
+
+Record Records::read(std::uint32_t place) {
+  Record record = locate(place);
+  record.bytes = bytesOf(record, recording_.header().recordSize());
+  record.pixels = record.bytes.subspan(layout::kSize);
+  record.placeholder = allZero(record.bytes);
+  parse(record.bytes, record);
+  return record;
+}
+
+Record Records::readHeader(std::uint32_t place) {
+  Record record = locate(place);
+  const auto header = bytesOf(record, layout::kSize);
+  parse(header, record);
+  // Frame 0 at time 0 begins like a placeholder, and only its pixels tell.
+  record.placeholder =
+      allZero(header) && allZero(bytesOf(record, recording_.header().recordSize()));
+  return record;
+}
+
+Record Records::locate(std::uint32_t place) const {
+  Record record;
+  record.place = place;
+  record.file = fileOf(place);
+  if (record.file == nullptr) throw std::out_of_range("Records: there is no such record");
+  record.offset = std::uint64_t{place % recording_.header().framesPerDivFile} *
+                  recording_.header().recordSize();
+  return record;
+}
+
+std::span<const unsigned char> Records::bytesOf(const Record& record, std::uint64_t size) {
+  open(*record.file);
+  if (record.offset < start_ || record.offset + size > start_ + held_) fill(record.offset, size);
+  return std::span(block_).subspan(record.offset - start_, size);
+}
+
+void Records::open(const DivFile& file) {
+  if (file_ == &file) return;
+  if (descriptor_ >= 0) ::close(descriptor_);
+  file_ = nullptr;
+  held_ = 0;
+  // Whatever has taken the file's place since it was found, a pipe included, must not block.
+  descriptor_ = ::open(file.path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  if (descriptor_ < 0) throw RecordingError(file.path, 0, lastError());
+  file_ = &file;
+}
+
+void Records::fill(std::uint64_t offset, std::uint64_t size) {
+  const std::uint64_t wanted = std::min(std::max(size, ahead_), file_->size - offset);
+  if (block_.size() < wanted) block_.resize(wanted);
+  start_ = offset;
+  held_ = 0;
+  ssize_t got = 1;
+  while (held_ < wanted && got != 0) {
+    got = ::pread(descriptor_, block_.data() + held_, wanted - held_,
+                  static_cast<off_t>(offset + held_));
+    if (got < 0 && errno != EINTR) break;
+    held_ += static_cast<std::uint64_t>(std::max<ssize_t>(got, 0));
+  }
+  if (held_ >= size) return;
+  throw RecordingError(file_->path, offset + held_,
+                       got < 0 ? lastError() : "the file has become shorter");
+}
+
+}  // namespace KPF_TOOL
