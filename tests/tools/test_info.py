@@ -50,6 +50,12 @@ class Info(RecordingTest):
         self.assertEqual(self.line("text2"), r'"a\"b\\c"')
         self.assertEqual(self.line("text5"), r'"\x1b[31mred\x0a"')
 
+    def test_texts_cannot_turn_the_order_of_reading(self):
+        self.write("clip.kpf", header(text2="\u202egnp.exe".encode(),
+                                      text5="\x9b2J \u6f22".encode()))
+        self.assertEqual(self.line("text2"), r'"\xe2\x80\xaegnp.exe"')
+        self.assertEqual(self.line("text5"), r'"\xc2\x9b2J %s"' % "\u6f22")
+
     def test_placeholders_have_no_time(self):
         self.patch("clip/clip_0001.div", 0, bytes(24))
         self.patch("clip/clip_0001.div", 96, bytes(24))

@@ -15,6 +15,35 @@ TEST(Text, ControlCharactersAreEscaped) {
   EXPECT_EQ(escaped("\x1f \x20"), "\\x1f  ");
 }
 
+TEST(Text, WhatIsNoPrintableTextIsEscaped) {
+  EXPECT_EQ(escaped("\xc2\x9b"
+                    "31m"),
+            "\\xc2\\x9b31m");  // a control character of two bytes
+  EXPECT_EQ(escaped("a\xe2\x80\xae"
+                    "b"),
+            "a\\xe2\\x80\\xaeb");  // the rest to the left
+  EXPECT_EQ(escaped("\xe2\x81\xa6"), "\\xe2\\x81\\xa6");
+  EXPECT_EQ(escaped("\xd8\x9c"), "\\xd8\\x9c");
+  EXPECT_EQ(escaped("\xef\xbb\xbf"), "\\xef\\xbb\\xbf");     // a byte order mark
+  EXPECT_EQ(quoted("\xe2\x80\xa8"), "\"\\xe2\\x80\\xa8\"");  // a line end
+}
+
+TEST(Text, WhatIsNoUtf8IsEscapedByteByByte) {
+  EXPECT_EQ(escaped("caf\xe9"), "caf\\xe9");              // Latin-1
+  EXPECT_EQ(escaped("\xe2\x82"), "\\xe2\\x82");           // cut
+  EXPECT_EQ(escaped("\xe2\x82\""), "\\xe2\\x82\"");       // and gone on with something else
+  EXPECT_EQ(escaped("\xc0\xaf"), "\\xc0\\xaf");           // longer than need be
+  EXPECT_EQ(escaped("\xed\xa0\x80"), "\\xed\\xa0\\x80");  // half of a pair
+  EXPECT_EQ(escaped("\xf4\x90\x80\x80"), "\\xf4\\x90\\x80\\x80");
+  EXPECT_EQ(escaped("\xff\x80"), "\\xff\\x80");
+}
+
+TEST(Text, OtherWritingIsLeftAlone) {
+  EXPECT_EQ(escaped("\xd0\x96 \xe6\xbc\xa2 \xf0\x9f\x8e\xa5"),
+            "\xd0\x96 \xe6\xbc\xa2 \xf0\x9f\x8e\xa5");
+  EXPECT_EQ(escaped("\xf4\x8f\xbf\xbd"), "\xf4\x8f\xbf\xbd");
+}
+
 TEST(Text, NamesKeepTheirOtherCharacters) {
   EXPECT_EQ(escaped(""), "");
   EXPECT_EQ(escaped("./a \"b\"\\c.kpf"), "./a \"b\"\\c.kpf");

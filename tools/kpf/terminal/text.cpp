@@ -3,37 +3,89 @@
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <ctime>
 #include <iterator>
+#include <string_view>
 
 namespace KPF_TOOL {
 namespace {
 
 constexpr std::int64_t kYear10000 = 253402300800;  // seconds since 1970
 
-std::string escapedCharacter(char character) {
-  const auto code = static_cast<unsigned char>(character);
-  if (code < 0x20 || code == 0x7F) return fmt::format("\\x{:02x}", code);
-  return {character};
+struct CodePoints {
+  char32_t first;
+  char32_t last;
+};
+
+// What moves the cursor, turns the order of reading, hides, or is no character at all.
+constexpr CodePoints kUnprintable[] = {
+    {0x00, 0x1F},        {0x7F, 0x9F},        // control characters, of both kinds
+    {0xAD, 0xAD},        {0x61C, 0x61C},      // soft hyphen; mark of Arabic writing
+    {0x200B, 0x200F},    {0x2028, 0x202E},    // no width; line ends, writing to the left
+    {0x2060, 0x206F},    {0xD800, 0xDFFF},    // the like, newer; halves of pairs
+    {0xFEFF, 0xFEFF},    {0xFFF0, 0xFFFB},    // byte order; annotations
+    {0xFFFE, 0xFFFF},    {0xE0000, 0xE0FFF},  // none; invisible tags
+    {0x110000, 0x1FFFFF}};                    // beyond the last
+
+bool printable(char32_t character) {
+  return std::none_of(std::begin(kUnprintable), std::end(kUnprintable), [character](CodePoints c) {
+    return character >= c.first && character <= c.last;
+  });
+}
+
+/// A character of UTF-8 and how many bytes stand for it.
+struct Character {
+  char32_t code = 0;
+  std::size_t bytes = 0;  // 0 where the text is no UTF-8
+};
+
+/// The character at the front of `text`, which is not empty.
+Character firstOf(std::string_view text) {
+  constexpr char32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};  // what needs so many bytes
+  const auto byte = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+  const unsigned lead = byte(0);
+  if (lead < 0x80) return {lead, 1};
+  const std::size_t bytes = lead >> 3U == 0x1E  ? 4
+                            : lead >> 4U == 0xE ? 3
+                            : lead >> 5U == 6   ? 2
+                                                : 0;
+  if (bytes == 0 || bytes > text.size()) return {};
+  char32_t code = lead & (0x7FU >> bytes);
+  for (std::size_t i = 1; i < bytes; ++i) {
+    if ((byte(i) & 0xC0U) != 0x80) return {};
+    code = code << 6U | (byte(i) & 0x3FU);
+  }
+  if (code < kSmallest[bytes]) return {};
+  return {code, bytes};
+}
+
+/// Printable characters as they are, those of `marked` behind a backslash, other bytes as \xNN.
+std::string escaped(std::string_view text, std::string_view marked) {
+  std::string out;
+  while (!text.empty()) {
+    const Character character = firstOf(text);
+    const bool shown = character.bytes != 0 && printable(character.code);
+    const std::string_view bytes = text.substr(0, std::max<std::size_t>(character.bytes, 1));
+    if (shown && marked.find(text[0]) != std::string_view::npos) out += '\\';
+    for (const char byte : bytes) {
+      if (shown) {
+        out += byte;
+      } else {
+        out += fmt::format("\\x{:02x}", static_cast<unsigned char>(byte));
+      }
+    }
+    text.remove_prefix(bytes.size());
+  }
+  return out;
 }
 
 }  // namespace
 
-std::string escaped(const std::string& text) {
-  std::string out;
-  for (const char character : text) out += escapedCharacter(character);
-  return out;
-}
+std::string escaped(const std::string& text) { return escaped(text, ""); }
 
-std::string quoted(const std::string& text) {
-  std::string out = "\"";
-  for (const char character : text) {
-    if (character == '"' || character == '\\') out += '\\';
-    out += escapedCharacter(character);
-  }
-  return out + '"';
-}
+std::string quoted(const std::string& text) { return '"' + escaped(text, "\"\\") + '"'; }
 
 std::string timeText(std::int64_t seconds, std::uint32_t microseconds) {
   std::string text = fmt::format("{}.{:06}", seconds, microseconds);

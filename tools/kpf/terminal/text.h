@@ -7,8 +7,9 @@
 
 namespace KPF_TOOL {
 
-/// In quotes, with control characters, quotes and backslashes escaped: texts come from files that
-/// nobody vouches for, and end up on a terminal.
+/// In quotes, with quotes, backslashes and the bytes of all that is no printable text escaped: what
+/// moves the cursor or turns the order of reading included. Texts come from files that nobody
+/// vouches for, and end up on a terminal.
 std::string quoted(const std::string& text);
 
 /// The same without quotes, for names.
