@@ -82,6 +82,16 @@ class Info(RecordingTest):
             "recorder was stopped, ran out of space, or is still at work",
         ])
 
+    @unittest.skipUnless(os.path.exists("/sys/devices/system/cpu/online"), "needs Linux")
+    def test_records_that_cannot_be_read_are_told(self):
+        # The system says that this file has 4096 bytes, and gives fewer.
+        os.remove(self.path("clip/clip_0001.div"))
+        os.symlink("/sys/devices/system/cpu/online", self.path("clip/clip_0001.div"))
+        code, out, err = self.kpf("info", "./clip.kpf")
+        self.assertEqual((code, err), (1, ""))
+        self.assertIn("complete    no\n", out)
+        self.assertIn("            ./clip/clip_0001.div: the file has become shorter\n", out)
+
     def test_recording_without_data_files(self):
         os.remove(self.path("clip/clip_0001.div"))
         self.assertEqual(self.line("frames"), "5 announced, 0 written, 0 placeholders")

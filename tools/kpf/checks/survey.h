@@ -8,6 +8,7 @@
 
 #include "kpf_reader.h"
 #include "tools/kpf/checks/findings.h"
+#include "tools/kpf/records/records.h"
 
 namespace KPF_TOOL {
 
@@ -28,9 +29,13 @@ struct Survey {
   KPF_READER::Recording recording;
   std::uint64_t bytes = 0;  // of all data files
   std::uint32_t placeholders = 0;
-  std::optional<KPF_READER::FrameRecord> first;  // placeholders left out: they have no time
-  std::optional<KPF_READER::FrameRecord> last;
-  Findings findings;  // about completeness
+  std::optional<Record> first;  // placeholders left out: they have no time
+  std::optional<Record> last;
+  bool readable = true;  // the header of every record
+  Findings findings;     // about completeness
+
+ private:
+  void look(Records& records, std::uint32_t place);
 };
 
 }  // namespace KPF_TOOL

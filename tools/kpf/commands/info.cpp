@@ -14,7 +14,6 @@
 
 namespace KPF_TOOL {
 using KPF_READER::DivFile;
-using KPF_READER::FrameRecord;
 using KPF_READER::Header;
 namespace {
 
@@ -72,7 +71,7 @@ void printCompleteness(const Survey& survey) {
 }
 
 /// Two whole numbers: a double does not hold microseconds since 1970.
-Json jsonOf(const std::optional<FrameRecord>& time) {
+Json jsonOf(const std::optional<Record>& time) {
   if (!time) return nullptr;
   return {{"seconds", time->seconds}, {"microseconds", time->microseconds}};
 }
@@ -148,7 +147,7 @@ Outcome runInfo(const InfoOptions& options) {
   } else {
     print(survey);
   }
-  return Outcome::kDone;
+  return survey.readable ? Outcome::kDone : Outcome::kProblemsFound;
 }
 
 }  // namespace
@@ -158,7 +157,7 @@ void addInfo(CLI::App& app, Job& job) {
   line.add_option("FILE", options.file, "header file (.kpf)")->required();
   addJson(line, options.json);
   addFooter(line, "kpf info clip.kpf",
-            {"told, also of a recording that is not complete", "",
+            {"told, also of a recording that is not complete", "the system cannot read all records",
              "wrong usage, or a recording that cannot be read"});
 }
 

@@ -1,14 +1,8 @@
 #include "tools/kpf/records/records.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
-#include <iterator>
 #include <stdexcept>
-#include <system_error>
 
 #include "format/kpf_layout.h"
 
@@ -35,8 +29,6 @@ void parse(std::span<const unsigned char> bytes, Record& record) {
   record.microseconds = static_cast<std::uint32_t>(number(layout::kMicroseconds));
 }
 
-std::string lastError() { return std::system_category().message(errno); }
-
 }  // namespace
 
 Records::Records(const KPF_READER::Recording& recording, KPF_READER::Access access)
@@ -44,10 +36,6 @@ Records::Records(const KPF_READER::Recording& recording, KPF_READER::Access acce
       ahead_(access == KPF_READER::Access::kSequential || recording.header().recordSize() < kPage
                  ? kBlock
                  : 0) {}
-
-Records::~Records() {
-  if (descriptor_ >= 0) ::close(descriptor_);
-}
 
 std::uint32_t Records::places() const {
   const auto& files = recording_.divFiles();
@@ -104,12 +92,9 @@ std::span<const unsigned char> Records::bytesOf(const Record& record, std::uint6
 
 void Records::open(const DivFile& file) {
   if (file_ == &file) return;
-  if (descriptor_ >= 0) ::close(descriptor_);
   file_ = nullptr;
   held_ = 0;
-  // Whatever has taken the file's place since it was found, a pipe included, must not block.
-  descriptor_ = ::open(file.path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-  if (descriptor_ < 0) throw RecordingError(file.path, 0, lastError());
+  data_.emplace(file.path);
   file_ = &file;
 }
 
@@ -118,16 +103,11 @@ void Records::fill(std::uint64_t offset, std::uint64_t size) {
   if (block_.size() < wanted) block_.resize(wanted);
   start_ = offset;
   held_ = 0;
-  ssize_t got = 1;
-  while (held_ < wanted && got != 0) {
-    got = ::pread(descriptor_, block_.data() + held_, wanted - held_,
-                  static_cast<off_t>(offset + held_));
-    if (got < 0 && errno != EINTR) break;
-    held_ += static_cast<std::uint64_t>(std::max<ssize_t>(got, 0));
-  }
+  held_ = data_->read(offset, std::span(block_).first(wanted));
   if (held_ >= size) return;
-  throw RecordingError(file_->path, offset + held_,
-                       got < 0 ? lastError() : "the file has become shorter");
+  // What is not there for once is told with the system's own word, if it has one.
+  data_->read(offset + held_, std::span(block_).first(1));
+  throw RecordingError(file_->path, offset + held_, "the file has become shorter");
 }
 
 }  // namespace KPF_TOOL

@@ -4,11 +4,13 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
 #include "kpf_reader.h"
+#include "tools/kpf/records/data_file.h"
 
 namespace KPF_TOOL {
 
@@ -30,7 +32,6 @@ class Records {
  public:
   /// @param recording must live as long.
   Records(const KPF_READER::Recording& recording, KPF_READER::Access access);
-  ~Records();
   Records(const Records&) = delete;
   Records& operator=(const Records&) = delete;
 
@@ -58,7 +59,7 @@ class Records {
   const KPF_READER::Recording& recording_;
   std::uint64_t ahead_;                        // bytes to read at once, when a record is shorter
   const KPF_READER::DivFile* file_ = nullptr;  // the one that is open
-  int descriptor_ = -1;
+  std::optional<DataFile> data_;
   std::vector<unsigned char> block_;
   std::uint64_t start_ = 0;  // of the block in the file
   std::uint64_t held_ = 0;   // bytes of it that were read
