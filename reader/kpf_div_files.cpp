@@ -37,6 +37,12 @@ std::string spelled(const fs::path& name) {
   }
 }
 
+/// A folder that is not there, or a file in its place, has no data files; one that cannot be read
+/// may have them all.
+bool isMissing(const std::error_code& error) {
+  return error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory;
+}
+
 }  // namespace
 
 DataNames findDataNames(const std::string& headerPath) {
@@ -53,11 +59,14 @@ std::map<std::uint32_t, std::string> findDivFiles(const DataNames& names) {
   const DataNames inFolder{"", path.filename().string()};
   std::map<std::uint32_t, std::string> files;
   std::error_code stopped;
-  for (fs::directory_iterator entry(folder, stopped), none; entry != none;
+  for (fs::directory_iterator entry(folder, stopped), none; !stopped && entry != none;
        entry.increment(stopped)) {
     const std::uint32_t number =
         KPF_FORMAT::divFileNumber(inFolder, spelled(entry->path().filename()));
     if (number != 0) files.emplace(number, KPF_FORMAT::divFileName(names, number));
+  }
+  if (stopped && !isMissing(stopped)) {
+    throw RecordingError(spelled(folder), 0, stopped.message());
   }
   return files;
 }

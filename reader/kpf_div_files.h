@@ -16,6 +16,7 @@ namespace KPF_READER {
 KPF_FORMAT::DataNames findDataNames(const std::string& headerPath);
 
 /// Paths of what is called like a data file of these names, by number.
+/// @throws RecordingError when the folder is there and cannot be read.
 std::map<std::uint32_t, std::string> findDivFiles(const KPF_FORMAT::DataNames& names);
 
 }  // namespace KPF_READER

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <string_view>
 
@@ -85,6 +87,17 @@ void checkValue5(Image image, Deviations& found) {
   found.push_back({kFixed, layout::kValue5.offset, "value5 is none of 0, 1 and 2"});
 }
 
+/// The writer has them as 32-bit integers.
+void checkWholeNumbers(Image image, Deviations& found) {
+  for (const Field field : {layout::kValue7, layout::kFrameRate, layout::kValue3}) {
+    const auto value = std::bit_cast<double>(KPF_FORMAT::load(image.data(), field));
+    using Integer = std::numeric_limits<std::int32_t>;
+    if (value >= Integer::min() && value <= Integer::max() && std::trunc(value) == value) continue;
+    found.push_back({HeaderDeviation::Kind::kImpossibleValue, field.offset,
+                     "not a whole number of 32 bits, as recorders write"});
+  }
+}
+
 void checkFramesPerDivFile(const Header& header, Deviations& found) {
   const std::size_t most = KPF_FORMAT::recordsPerDivFile(header.recordSize());
   if (header.framesPerDivFile == most) return;
@@ -101,6 +114,7 @@ Deviations findDeviations(Image image) {
   checkTexts(image, found);
   checkUnused(image, found);
   checkValue5(image, found);
+  checkWholeNumbers(image, found);
   std::sort(found.begin(), found.end(),
             [](const auto& a, const auto& b) { return a.offset < b.offset; });
   checkPair(image, layout::kFrameRate, layout::kFrameRateAgain, "the frame rate", found);

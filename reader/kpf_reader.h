@@ -54,6 +54,8 @@ struct Header {
   std::array<unsigned char, 16> identifier{};
 
   unsigned bitsPerPixel() const { return packed12 ? 12 : 8; }
+  /// Whether it tells a frame rate: writers have whole ones, and 0 or less where there is none.
+  bool hasFrameRate() const { return frameRate >= 1; }
   /// Pixels of a frame.
   std::size_t pixelCount() const { return std::size_t{width} * height; }
   /// Bytes of a frame's pixels in a data file.
@@ -72,6 +74,7 @@ struct HeaderDeviation {
   enum class Kind {
     kFixedBytes,       // bytes that are the same in every recording are others
     kUnequalPair,      // a field that is written twice has two values
+    kImpossibleValue,  // a number that no caller can have given
     kFramesPerDivFile  // not as many frames a data file as fit into one
   };
   Kind kind = Kind::kFixedBytes;
@@ -120,8 +123,9 @@ class Recording {
    * that was made under a name without any `/` lies in files whose names begin with `name\`; those
    * are found as well, and so are files that were moved from there into the folder `name`.
    *
-   * @throws RecordingError when the header cannot be read or contradicts itself, or when something
-   *         that is not a file has the name of a data file.
+   * @throws RecordingError when the header cannot be read or contradicts itself, when the folder is
+   *         there and cannot be read, or when something that is not a file has the name of a data
+   *         file.
    */
   explicit Recording(const std::string& headerPath, Access access = Access::kSequential);
   ~Recording();

@@ -42,8 +42,10 @@ class Killed(unittest.TestCase):
     def check_tool(self, name, whole, total, size):
         done = subprocess.run([KPF, "verify", name + ".kpf"], cwd=self.folder,
                               capture_output=True, text=True, check=False)
-        self.assertEqual(done.returncode, 0 if whole == total else 1, done.stdout)
+        self.assertEqual(done.returncode, 0, done.stdout)
         self.assertIn("%d of %d frames" % (whole, total), done.stdout.splitlines()[-1])
+        # A recording that is only shorter than announced has no problems, and says so.
+        self.assertEqual("announced frames are there" in done.stdout, whole != total)
         done = subprocess.run([KPF, "export", name + ".kpf", "-"], cwd=self.folder,
                               capture_output=True, check=False)
         self.assertEqual((done.returncode, len(done.stdout)),

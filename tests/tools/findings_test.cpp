@@ -17,8 +17,8 @@ Finding about(Problem problem, std::optional<std::uint32_t> record = std::nullop
 
 TEST(Findings, NoneAtFirst) {
   const Findings findings;
-  EXPECT_EQ(findings.count(), 0U);
-  EXPECT_TRUE(findings.kept().empty());
+  EXPECT_EQ(findings.problems().count(), 0U);
+  EXPECT_TRUE(findings.problems().kept().empty());
   EXPECT_FALSE(findings.firstDamage().has_value());
 }
 
@@ -26,22 +26,22 @@ TEST(Findings, AreKeptInTheOrderInWhichTheyCome) {
   Findings findings;
   findings.add(about(Problem::kTime, 9));
   findings.add(about(Problem::kHeader));
-  ASSERT_EQ(findings.kept().size(), 2U);
-  EXPECT_EQ(findings.kept()[0].problem, Problem::kTime);
-  EXPECT_EQ(findings.kept()[0].record, 9U);
-  EXPECT_EQ(findings.kept()[1].problem, Problem::kHeader);
-  EXPECT_EQ(findings.kept()[1].file, "clip.kpf");
-  EXPECT_EQ(findings.kept()[1].offset, 7U);
+  ASSERT_EQ(findings.problems().kept().size(), 2U);
+  EXPECT_EQ(findings.problems().kept()[0].problem, Problem::kTime);
+  EXPECT_EQ(findings.problems().kept()[0].record, 9U);
+  EXPECT_EQ(findings.problems().kept()[1].problem, Problem::kHeader);
+  EXPECT_EQ(findings.problems().kept()[1].file, "clip.kpf");
+  EXPECT_EQ(findings.problems().kept()[1].offset, 7U);
 }
 
 TEST(Findings, OfEachKindAHundredAreKeptAndAllAreCounted) {
   Findings findings;
   for (std::uint32_t n = 0; n < 150; ++n) findings.add(about(Problem::kSequence, n));
   findings.add(about(Problem::kStrayFile));
-  EXPECT_EQ(findings.count(), 151U);
-  ASSERT_EQ(findings.kept().size(), 101U);
-  EXPECT_EQ(findings.kept()[99].record, 99U);
-  EXPECT_EQ(findings.kept()[100].problem, Problem::kStrayFile);
+  EXPECT_EQ(findings.problems().count(), 151U);
+  ASSERT_EQ(findings.problems().kept().size(), 101U);
+  EXPECT_EQ(findings.problems().kept()[99].record, 99U);
+  EXPECT_EQ(findings.problems().kept()[100].problem, Problem::kStrayFile);
 }
 
 TEST(Findings, FirstDamageIsTheLowestRecord) {
@@ -61,9 +61,12 @@ TEST(Findings, OfOneRecordTheFirstFindingIsTheDamage) {
   EXPECT_EQ(findings.firstDamage()->problem, Problem::kBetweenRows);
 }
 
-TEST(Findings, AnOddTimeDamagesNoRecord) {
+TEST(Findings, NotesAreNoProblemsAndDamageNothing) {
   Findings findings;
-  findings.add(about(Problem::kTime, 1));
+  findings.addNote(about(Problem::kTime, 1));
+  EXPECT_EQ(findings.problems().count(), 0U);
+  ASSERT_EQ(findings.notes().count(), 1U);
+  EXPECT_EQ(findings.notes().kept()[0].problem, Problem::kTime);
   EXPECT_FALSE(findings.firstDamage().has_value());
 }
 
@@ -82,7 +85,7 @@ TEST(Findings, DamageIsKnownEvenWhereTheFindingIsNotKept) {
 
 TEST(Problems, EachHasAWordOfItsOwn) {
   std::set<std::string> words;
-  for (int kind = 0; kind <= static_cast<int>(Problem::kBetweenRows); ++kind) {
+  for (int kind = 0; kind <= static_cast<int>(Problem::kChecksum); ++kind) {
     const std::string word = nameOf(static_cast<Problem>(kind));
     EXPECT_NE(word, "unknown") << kind;
     EXPECT_TRUE(words.insert(word).second) << word;

@@ -101,7 +101,8 @@ TEST_F(FiveFrames, PassEveryCheck) {
   std::vector<std::uint64_t> read;
   const auto placeholders = checkRecords(
       recording, [&](std::uint64_t bytes) { read.push_back(bytes); }, findings);
-  EXPECT_EQ(findings.count(), 0U);
+  EXPECT_EQ(findings.problems().count(), 0U);
+  EXPECT_EQ(findings.notes().count(), 0U);
   EXPECT_EQ(placeholders, 0U);
   // Progress is told in bytes that were read, never more than there are, and ends with all.
   EXPECT_TRUE(std::is_sorted(read.begin(), read.end()));
@@ -118,10 +119,13 @@ TEST_F(FiveFrames, EachDamageIsFoundByItsCheck) {
   EXPECT_EQ(checkRecords(
                 recording, [](std::uint64_t) {}, findings),
             1U);
-  ASSERT_EQ(findings.count(), 1U);
-  EXPECT_EQ(findings.kept()[0].problem, Problem::kSequence);
-  EXPECT_EQ(findings.kept()[0].record, 2U);
-  EXPECT_EQ(findings.kept()[0].offset, 2 * kRecord);
+  EXPECT_EQ(findings.problems().count(), 0U);
+  ASSERT_EQ(findings.notes().count(), 2U);
+  EXPECT_EQ(findings.notes().kept()[0].problem, Problem::kPlaceholders);
+  EXPECT_EQ(findings.notes().kept()[0].record, 3U);
+  EXPECT_EQ(findings.notes().kept()[1].problem, Problem::kSequence);
+  EXPECT_EQ(findings.notes().kept()[1].record, 2U);
+  EXPECT_EQ(findings.notes().kept()[1].offset, 2 * kRecord);
 }
 
 }  // namespace

@@ -20,6 +20,16 @@ class Verify(RecordingTest):
         self.assertEqual((code, err), (1, ""))
         return out.splitlines()[:-1]
 
+    def notes(self):
+        """What is worth knowing of a recording without problems: no failure, unless it is asked to
+        be one."""
+        code, out, err = self.kpf("verify", "./clip.kpf")
+        self.assertEqual((code, err), (0, ""))
+        lines = out.splitlines()[:-1]
+        self.assertEqual(self.kpf("verify", "--strict", "./clip.kpf"), (1 if lines else 0, out, ""))
+        self.assertEqual([line[:6] for line in lines], ["note: "] * len(lines))
+        return [line[6:] for line in lines]
+
     def json(self):
         code, out, err = self.kpf("verify", "--json", "./clip.kpf")
         self.assertEqual(err, "")
@@ -33,10 +43,19 @@ class Verify(RecordingTest):
         self.assertEqual(self.kpf("verify", "./clip.kpf"),
                          (0, "./clip.kpf: 5 of 5 frames, 0 placeholders, no problems\n", ""))
 
-    def test_placeholders_are_counted(self):
+    def test_placeholders_are_counted_and_told(self):
         self.patch(DIV, 48, bytes(24))
-        self.assertEqual(self.kpf("verify", "./clip.kpf"),
-                         (0, "./clip.kpf: 5 of 5 frames, 1 placeholder, no problems\n", ""))
+        self.assertEqual(self.notes(), ["./clip/clip_0001.div, record 2, byte 48: a placeholder"])
+        self.patch(DIV, 24, bytes(24))
+        self.assertEqual(self.kpf("verify", "./clip.kpf"), (
+            0, "note: ./clip/clip_0001.div, record 1, byte 24: 2 placeholders, the last is record 2\n"
+               "./clip.kpf: 5 of 5 frames, 2 placeholders, no problems, 1 note\n", ""))
+
+    def test_placeholders_apart_are_told_apart(self):
+        self.patch(DIV, 0, bytes(24))
+        self.patch(DIV, 96, bytes(24))
+        self.assertEqual(self.notes(), ["./clip/clip_0001.div, record 0, byte 0: a placeholder",
+                                        "./clip/clip_0001.div, record 4, byte 96: a placeholder"])
 
     def test_sound_recordings_of_other_forms(self):
         self.write("clip.kpf", header(width=3, height=3, bits=12))
@@ -44,7 +63,7 @@ class Verify(RecordingTest):
         self.check_sound()
         self.write("clip.kpf", header(rate=0.0))
         self.write(DIV, b"".join(record(n, rate=1 + n % 2) for n in range(5)))
-        self.check_sound()
+        self.assertEqual(self.notes(), [])
         self.write("clip.kpf", header(text2=b"t" * 60))
         self.patch("clip.kpf", 393, b"t" * 51)
         self.write(DIV, run(range(5)))
@@ -55,25 +74,40 @@ class Verify(RecordingTest):
         self.assertEqual(self.problems(), [
             "./clip/clip_0001.div, record 3, byte 72: the file ends after 3 of 5 records and 4 of "
             "the 24 bytes of the next",
-            "./clip.kpf, byte 468: 3 of 5 announced frames are there" + NO_STATUS,
+            "note: ./clip.kpf, byte 468: 3 of 5 announced frames are there" + NO_STATUS,
             "The first missing or damaged record is 3 (./clip/clip_0001.div, byte 72).",
         ])
 
-    def test_full_disk_that_still_took_the_status_file(self):
+    def test_recording_that_was_closed_early(self):
         self.cut(DIV, 72)
         self.write("clip.kpf.incomplete.txt", STATUS)
-        self.assertEqual(self.problems(), [
-            "./clip/clip_0001.div, record 3, byte 72: the file ends after 3 of 5 records",
+        self.assertEqual(self.notes(), [
             "./clip.kpf.incomplete.txt, byte 0: the recording was closed before it was complete",
             "./clip.kpf, byte 468: 3 of 5 announced frames are there",
-            "The first missing or damaged record is 3 (./clip/clip_0001.div, byte 72).",
         ])
+
+    def test_recorder_that_was_killed(self):
+        self.cut(DIV, 72)
+        self.assertEqual(self.notes(), [
+            "./clip.kpf, byte 468: 3 of 5 announced frames are there" + NO_STATUS])
+
+    def test_recording_that_ends_with_a_data_file(self):
+        self.split()
+        os.remove(self.path("clip/clip_0003.div"))
+        self.write("clip.kpf.incomplete.txt", STATUS)
+        self.assertEqual(self.problems()[1:], [
+            "note: ./clip.kpf.incomplete.txt, byte 0: the recording was closed before it was "
+            "complete",
+            "note: ./clip.kpf, byte 468: 4 of 5 announced frames are there"])
+        # A frame that is refused may leave an empty file.
+        self.write("clip/clip_0003.div", b"")
+        self.assertEqual(len(self.problems()), 3)
 
     def test_summary_of_a_short_recording(self):
         self.cut(DIV, 72)
         _, out, _ = self.kpf("verify", "./clip.kpf")
         self.assertEqual(out.splitlines()[-1],
-                         "./clip.kpf: 3 of 5 frames, 0 placeholders, 2 problems")
+                         "./clip.kpf: 3 of 5 frames, 0 placeholders, no problems, 1 note")
 
     def test_missing_data_file(self):
         self.split()
@@ -81,15 +115,23 @@ class Verify(RecordingTest):
         self.assertEqual(self.problems(), [
             "./clip.kpf, byte 464: 2 frames a data file, where 89478485 fit",
             "./clip/clip_0002.div, record 2, byte 0: the data file is missing",
-            "./clip.kpf, byte 468: 3 of 5 announced frames are there" + NO_STATUS,
+            "note: ./clip.kpf, byte 468: 3 of 5 announced frames are there" + NO_STATUS,
             "The first missing or damaged record is 2 (./clip/clip_0002.div, byte 0).",
         ])
 
     def test_missing_data_files_are_one_finding(self):
         self.write("clip.kpf", header(per_file=5, frames=0xFFFFFFFF))
+        os.rename(self.path(DIV), self.path("clip/clip_800000000.div"))
         self.assertEqual(self.problems()[1],
-                         "./clip/clip_0002.div, record 5, byte 0: this and the next 858993457 "
+                         "./clip/clip_0001.div, record 0, byte 0: this and the next 799999998 "
                          "data files are missing")
+
+    def test_short_file_before_another_is_a_problem(self):
+        self.split()
+        self.cut("clip/clip_0001.div", 24)
+        self.assertEqual(self.problems()[1],
+                         "./clip/clip_0001.div, record 1, byte 24: the file ends after 1 of 2 "
+                         "records")
 
     def test_bytes_behind_the_last_record(self):
         self.write(DIV, run(range(5)) + b"x")
@@ -99,10 +141,50 @@ class Verify(RecordingTest):
     def test_stray_and_extra_files(self):
         self.write("clip/clip_0002.div", run(range(5)))
         self.write("clip/notes.txt", b"")
-        self.assertEqual(sorted(self.problems()), [
+        self.assertEqual(sorted(self.notes()), [
             "./clip/clip_0002.div, byte 0: does not belong to the recording",
             "./clip/notes.txt, byte 0: does not belong to the recording",
         ])
+
+    def test_data_files_of_a_longer_recording_of_this_name(self):
+        self.write("clip/clip_0003.div", run(range(10, 15), start=1600000000))
+        self.assertEqual(self.notes(), [
+            "./clip/clip_0003.div, byte 0: left by another recording of this name: it begins with "
+            "frame 10, of 1600000000.400000 (2020-09-13 12:26:40.400000 UTC)"])
+
+    def test_older_data_files_behind_a_recording_that_was_cut_short(self):
+        self.split()
+        self.write("clip/clip_0002.div", run((2, 3), start=1600000000))
+        self.write("clip/clip_0003.div", run((4,), start=1600000000))
+        self.cut("clip/clip_0001.div", 24)
+        self.assertEqual(self.problems()[1:], [
+            "./clip/clip_0001.div, record 1, byte 24: the file ends after 1 of 2 records",
+            "./clip/clip_0002.div, record 2, byte 0: left by an older recording of this name: its "
+            "frame 2 is of 1600000000.080000 (2020-09-13 12:26:40.080000 UTC), before the first "
+            "one",
+            "./clip/clip_0003.div, record 4, byte 0: left by an older recording of this name: its "
+            "frame 4 is of 1600000000.160000 (2020-09-13 12:26:40.160000 UTC), before the first "
+            "one",
+            "note: ./clip.kpf, byte 468: 4 of 5 announced frames are there" + NO_STATUS,
+            "The first missing or damaged record is 1 (./clip/clip_0001.div, byte 24)."])
+
+    def test_header_that_was_renamed(self):
+        os.rename(self.path("clip"), self.path("walk"))
+        os.rename(self.path("walk/clip_0001.div"), self.path("walk/walk_0001.div"))
+        self.assertEqual(self.problems()[0],
+                         "./clip/clip_0001.div, record 0, byte 0: no data file is there, and "
+                         "./walk/walk_0001.div has no header: if it is of this recording, rename "
+                         "the header to walk.kpf")
+        self.write("walk.kpf", header())
+        self.assertEqual(self.notes(), [
+            "./clip.kpf, byte 468: 0 of 5 announced frames are there" + NO_STATUS])
+
+    def test_header_and_folder_that_were_renamed(self):
+        os.rename(self.path(DIV), self.path("clip/walk_0001.div"))
+        self.assertEqual(self.problems()[0],
+                         "./clip/clip_0001.div, record 0, byte 0: no data file is there, but "
+                         "./clip/walk_0001.div: if it is of this recording, rename the header to "
+                         "walk.kpf and its folder to walk")
 
     def test_data_files_beside_the_header_have_neighbours(self):
         os.rename(self.path(DIV), self.path("clip\\clip_0001.div"))
@@ -110,46 +192,63 @@ class Verify(RecordingTest):
         self.write("other.txt", b"")
         self.check_sound()
         self.write("clip\\clip_0009.div", b"")
-        self.assertEqual(len(self.problems()), 1)
+        self.assertEqual(self.notes(), [
+            "./clip\\clip_0009.div, byte 0: does not belong to the recording"])
 
-    def test_sequence_number(self):
+    def test_numbers_of_the_callers_own(self):
         self.patch(DIV, 72, b"\x09")
-        self.assertEqual(self.problems(), [
-            "./clip/clip_0001.div, record 3, byte 72: the record says number 9",
-            "The first missing or damaged record is 3 (./clip/clip_0001.div, byte 72).",
-        ])
+        self.assertEqual(self.notes(), [
+            "./clip/clip_0001.div, record 3, byte 72: the record says number 9"])
+
+    def test_run_of_numbers_is_one_note(self):
+        self.write(DIV, b"".join(record(n)[4:].join((bytes([n + 100, 0, 0, 0]), b""))
+                                 for n in range(5)))
+        self.patch(DIV, 48, bytes(24))
+        self.assertEqual(self.notes(), [
+            "./clip/clip_0001.div, record 2, byte 48: a placeholder",
+            "./clip/clip_0001.div, record 0, byte 0: the records up to 4 say numbers from 100 to "
+            "104"])
 
     def test_record_whose_header_was_wiped(self):
         self.patch(DIV, 72, bytes(16))
-        self.assertEqual(self.problems()[0],
+        self.assertEqual(self.notes()[1],
                          "./clip/clip_0001.div, record 3, byte 72: the record says number 0")
 
     def test_time_that_runs_backwards(self):
         self.patch(DIV, 24 * 2 + 4, (1699999999).to_bytes(8, "little"))
-        self.assertEqual(self.problems()[0],
+        self.assertEqual(self.notes()[0],
                          "./clip/clip_0001.div, record 2, byte 52: the time is earlier than that "
                          "of record 1")
 
     def test_time_that_jumps(self):
         self.write(DIV, run(range(3)) + run(range(3, 5), start=1700000001))
-        self.assertEqual(self.problems(), [
+        self.assertEqual(self.notes(), [
             "./clip/clip_0001.div, record 3, byte 76: 1.040000 s after record 2, where 0.040000 s "
             "were due"])
 
     def test_time_may_pass_over_placeholders_and_gaps(self):
         self.patch(DIV, 24, bytes(48))
-        self.check_sound()
+        self.assertEqual(len(self.notes()), 1)
+
+    def test_rates_that_no_recorder_writes(self):
+        for rate in (5e-324, 0.5, 29.97, -1e300, 2147483648.0):
+            self.write("clip.kpf", header(rate=rate))
+            self.assertEqual(self.problems()[0], "./clip.kpf, byte 184: not a whole number of 32 "
+                             "bits, as recorders write", rate)
+        for rate in (0.0, -25.0):
+            self.write("clip.kpf", header(rate=rate))
+            self.check_sound()
 
     def test_microseconds_of_more_than_a_second(self):
         self.patch(DIV, 24 + 12, (1000000).to_bytes(4, "little"))
-        self.assertEqual(self.problems()[0],
+        self.assertEqual(self.notes()[0],
                          "./clip/clip_0001.div, record 1, byte 28: 1000000 microseconds are more "
                          "than a second")
 
     def test_bytes_between_rows(self):
         self.write("clip.kpf", header(width=3, height=3, bits=12, frames=1))
         self.write(DIV, record(0, pixels=bytes(8) + b"\x01" + bytes(4)))
-        self.assertEqual(self.problems()[0],
+        self.assertEqual(self.notes()[0],
                          "./clip/clip_0001.div, record 0, byte 24: not zero, where no pixel is "
                          "stored")
 
@@ -163,14 +262,14 @@ class Verify(RecordingTest):
 
     def test_status_file_beside_a_complete_recording(self):
         self.write("clip.kpf.incomplete.txt", STATUS)
-        self.assertEqual(self.problems(), [
+        self.assertEqual(self.notes(), [
             "./clip.kpf.incomplete.txt, byte 0: says that frames are missing, and none is"])
 
     def test_status_file_with_windows_line_ends(self):
         self.cut(DIV, 96)
         self.write("clip.kpf.incomplete.txt", STATUS.replace(b"\n", b"\r\n"))
         self.assertIn("./clip.kpf.incomplete.txt, byte 0: the recording was closed before it was "
-                      "complete", self.problems())
+                      "complete", self.notes())
 
     def test_status_file_of_another_text(self):
         self.write("clip.kpf.incomplete.txt", b"all well")
@@ -179,15 +278,41 @@ class Verify(RecordingTest):
 
     def test_many_findings_are_counted(self):
         self.write("clip.kpf", header(frames=300))
-        self.write(DIV, run(range(300, 600)))
-        lines = self.problems()
-        self.assertEqual(len(lines), 102)
-        self.assertEqual(lines[100], "... and 200 more")
+        self.write(DIV, run(range(300, 0, -1)))
+        lines = self.notes()
+        self.assertEqual(len(lines), 201)
+        self.assertEqual(lines[200], "... and 398 more")
 
     def test_cut_header_is_a_problem_of_the_recording(self):
         self.cut("clip.kpf", 1000)
         self.assertEqual(self.problems(),
                          ["./clip.kpf, byte 1000: the header ends after 1000 of 2998 bytes"])
+
+    def test_unreadable_data_file_is_told_record_by_record(self):
+        os.remove(self.path(DIV))
+        os.symlink("/sys/devices/system/cpu/online", self.path(DIV))  # shorter than it says
+        if not os.path.exists(self.path(DIV)):
+            self.skipTest("needs Linux")
+        self.assertIn("./clip/clip_0001.div, record 0, byte", self.problems()[1])
+        self.assertIn(": the file has become shorter", self.problems()[1])
+
+    def test_folder_that_cannot_be_read_is_not_missing(self):
+        os.rename(self.path("clip"), self.path("data"))
+        os.symlink("clip", self.path("clip"))  # a circle; for root, too
+        self.assertEqual(self.problems(), [
+            "./clip, byte 0: Too many levels of symbolic links"])
+        for command in ("info", "export"):
+            code, out, err = self.kpf(command, "clip.kpf", *["-"][:command == "export"])
+            self.assertEqual((code, out), (2, ""), command)
+            self.assertIn("Too many levels of symbolic links", err)
+
+    @unittest.skipIf(os.geteuid() == 0, "root may read everything")
+    def test_no_permission_is_not_missing(self):
+        os.chmod(self.path("clip"), 0)
+        self.assertEqual(self.problems(), ["./clip, byte 0: Permission denied"])
+        os.chmod(self.path("clip"), 0o755)
+        os.chmod(self.path(DIV), 0)
+        self.assertIn("./clip/clip_0001.div, byte 0: Permission denied", self.problems()[0])
 
     def test_folder_in_place_of_a_data_file(self):
         os.remove(self.path(DIV))
@@ -204,15 +329,30 @@ class Verify(RecordingTest):
     def test_json_of_a_sound_recording(self):
         self.assertEqual(self.json(), (0, {
             "file": "./clip.kpf", "ok": True, "announced": 5, "written": 5, "placeholders": 0,
-            "problemCount": 0, "firstDamage": None, "problems": []}))
+            "problemCount": 0, "noteCount": 0, "firstDamage": None, "problems": [],
+            "notes": []}))
 
     def test_json_of_a_damaged_recording(self):
-        self.patch(DIV, 72, b"\x09")
-        finding = {"problem": "sequence", "file": "./clip/clip_0001.div", "record": 3,
-                   "offset": 72, "text": "the record says number 9"}
+        self.patch(DIV, 0, b"\x09")
+        self.cut(DIV, 73)
+        problem = {"problem": "short-file", "file": "./clip/clip_0001.div", "record": 3,
+                   "offset": 72, "text": "the file ends after 3 of 5 records and 1 of the 24 bytes "
+                                         "of the next"}
+        notes = [{"note": "incomplete", "file": "./clip.kpf", "record": None, "offset": 468,
+                  "text": "3 of 5 announced frames are there" + NO_STATUS},
+                 {"note": "sequence", "file": "./clip/clip_0001.div", "record": 0, "offset": 0,
+                  "text": "the record says number 9"}]
         self.assertEqual(self.json(), (1, {
-            "file": "./clip.kpf", "ok": False, "announced": 5, "written": 5, "placeholders": 0,
-            "problemCount": 1, "firstDamage": finding, "problems": [finding]}))
+            "file": "./clip.kpf", "ok": False, "announced": 5, "written": 3, "placeholders": 0,
+            "problemCount": 1, "noteCount": 2, "firstDamage": problem, "problems": [problem],
+            "notes": notes}))
+
+    def test_json_of_notes_depends_on_strictness(self):
+        self.patch(DIV, 0, b"\x09")
+        code, verdict = self.json()
+        self.assertEqual((code, verdict["ok"], verdict["noteCount"]), (0, True, 1))
+        code, out, _ = self.kpf("verify", "--json", "--strict", "clip.kpf")
+        self.assertEqual((code, json.loads(out)["ok"]), (1, False))
 
     def test_json_tells_a_failure_too(self):
         code, out, err = self.kpf("verify", "--json", "none.kpf")

@@ -15,7 +15,8 @@ using BytesRead = std::function<void(std::uint64_t)>;
 
 /**
  * Reads every byte of the data files, in order, as fast as the disk gives them, and looks at each
- * record: its number, its time against the one before and the frame rate, its unused bytes.
+ * record: its number, its time against the one before and the frame rate, its unused bytes, and its
+ * checksum where one was kept.
  *
  * @return the placeholders among them.
  */

@@ -5,11 +5,6 @@ namespace {
 
 constexpr std::uint64_t kKeptOfAKind = 100;
 
-// A time may be odd in a record that is sound.
-bool damages(const Finding& finding) {
-  return finding.record.has_value() && finding.problem != Problem::kTime;
-}
-
 }  // namespace
 
 const char* nameOf(Problem problem) {
@@ -26,6 +21,8 @@ const char* nameOf(Problem problem) {
       return "long-file";
     case Problem::kStrayFile:
       return "stray-file";
+    case Problem::kOldFile:
+      return "old-file";
     case Problem::kIncomplete:
       return "incomplete";
     case Problem::kStatusFile:
@@ -38,14 +35,22 @@ const char* nameOf(Problem problem) {
       return "time";
     case Problem::kBetweenRows:
       return "between-rows";
+    case Problem::kPlaceholders:
+      return "placeholders";
+    case Problem::kChecksum:
+      return "checksum";
   }
   return "unknown";
 }
 
-void Findings::add(const Finding& finding) {
+void FindingList::add(const Finding& finding) {
   ++count_;
   if (++countOf_[finding.problem] <= kKeptOfAKind) kept_.push_back(finding);
-  if (!damages(finding)) return;
+}
+
+void Findings::add(const Finding& finding) {
+  problems_.add(finding);
+  if (!finding.record) return;
   if (!firstDamage_ || *finding.record < *firstDamage_->record) firstDamage_ = finding;
 }
 

@@ -1,6 +1,9 @@
 #include "tools/kpf/checks/survey.h"
 
+#include <algorithm>
+
 #include "tools/kpf/checks/check_files.h"
+#include "tools/kpf/checks/unreadable.h"
 
 namespace KPF_TOOL {
 
@@ -9,27 +12,27 @@ Survey::Survey(const std::string& file) : recording(file, KPF_READER::Access::kS
   for (const KPF_READER::DivFile& div : recording.divFiles()) {
     bytes += div.size;
     const std::uint32_t begin = (div.number - 1) * header().framesPerDivFile;
-    for (std::uint32_t n = 0; n < div.records; ++n) look(records, begin + n);
+    for (std::uint32_t n = 0; n < div.records;) n += look(records, begin + n);
   }
   checkCompleteness(recording, findings);
 }
 
-void Survey::look(Records& records, std::uint32_t place) {
+/// @return how many records were seen at once.
+std::uint32_t Survey::look(Records& records, std::uint32_t place) {
   try {
     const Record record = records.readHeader(place);
     if (record.placeholder) {
-      ++placeholders;
-      return;
+      const std::uint32_t count = std::max(1U, records.unstoredFrom(record));
+      placeholders += count;
+      return count;
     }
     if (!first) first = record;
     last = record;
   } catch (const KPF_READER::RecordingError& error) {
     readable = false;
-    // Its text begins with file and offset, which a finding tells by itself.
-    const std::string text = error.what();
-    findings.add({Problem::kUnreadable, error.file(), place, error.offset(),
-                  text.substr(text.find(": ", error.file().size()) + 2)});
+    findings.add(unreadable(error, place));
   }
+  return 1;
 }
 
 double Survey::duration() const { return recording.recordCount() / header().frameRate; }

@@ -19,9 +19,11 @@ struct Survey {
   explicit Survey(const std::string& file);
 
   const KPF_READER::Header& header() const { return recording.header(); }
-  bool complete() const { return findings.count() == 0; }
+  bool complete() const {
+    return findings.problems().count() == 0 && findings.notes().count() == 0;
+  }
   /// Without a rate neither duration nor bytesPerSecond mean anything.
-  bool hasRate() const { return header().frameRate > 0; }
+  bool hasRate() const { return header().hasFrameRate(); }
   /// Seconds of the records that are there.
   double duration() const;
   double bytesPerSecond() const;
@@ -35,7 +37,7 @@ struct Survey {
   Findings findings;     // about completeness
 
  private:
-  void look(Records& records, std::uint32_t place);
+  std::uint32_t look(Records& records, std::uint32_t place);
 };
 
 }  // namespace KPF_TOOL

@@ -1,7 +1,10 @@
 // kpf info: what a recording is.
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,6 +19,8 @@ namespace KPF_TOOL {
 using KPF_READER::DivFile;
 using KPF_READER::Header;
 namespace {
+
+constexpr std::size_t kFilesListed = 100;  // for people; programs get them all
 
 struct InfoOptions {
   std::string file;  // the header file
@@ -56,17 +61,21 @@ void printFiles(const Survey& survey) {
   const auto& files = survey.recording.divFiles();
   line("data", "{} in {}", sizeText(static_cast<double>(survey.bytes)),
        countText(files.size(), "file"));
-  for (const DivFile& file : files) {
+  const std::size_t listed = std::min(files.size(), kFilesListed);
+  for (const DivFile& file : std::span(files).first(listed)) {
     line("", "{}: {}, {}", escaped(file.path), countText(file.records, "record"),
          sizeText(static_cast<double>(file.size)));
   }
+  if (listed < files.size()) line("", "... and {} more", files.size() - listed);
 }
 
 /// Below "complete" stands why not.
 void printCompleteness(const Survey& survey) {
   line("complete", "{}", survey.complete() ? "yes" : "no");
-  for (const Finding& finding : survey.findings.kept()) {
-    line("", "{}: {}", escaped(finding.file), escaped(finding.text));
+  for (const FindingList* list : {&survey.findings.problems(), &survey.findings.notes()}) {
+    for (const Finding& finding : list->kept()) {
+      line("", "{}: {}", escaped(finding.file), escaped(finding.text));
+    }
   }
 }
 
@@ -110,9 +119,11 @@ Json filesJson(const std::vector<DivFile>& files) {
 /// The kinds are words, so that programs need not know the sentences.
 Json problemsJson(const Findings& findings) {
   Json json = Json::array();
-  for (const Finding& finding : findings.kept()) {
-    json.push_back(
-        {{"problem", nameOf(finding.problem)}, {"file", finding.file}, {"text", finding.text}});
+  for (const FindingList* list : {&findings.problems(), &findings.notes()}) {
+    for (const Finding& finding : list->kept()) {
+      json.push_back(
+          {{"problem", nameOf(finding.problem)}, {"file", finding.file}, {"text", finding.text}});
+    }
   }
   return json;
 }

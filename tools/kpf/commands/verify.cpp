@@ -1,7 +1,6 @@
 // kpf verify: is every byte of a recording as it must be?
 #include <fmt/format.h>
 
-#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -10,6 +9,7 @@
 #include "tools/kpf/checks/check_files.h"
 #include "tools/kpf/checks/check_records.h"
 #include "tools/kpf/checks/findings.h"
+#include "tools/kpf/checks/unreadable.h"
 #include "tools/kpf/commands/commands.h"
 #include "tools/kpf/terminal/json.h"
 #include "tools/kpf/terminal/progress.h"
@@ -25,7 +25,8 @@ constexpr std::uint64_t kMegabyte = 1000000;  // bytes, the unit of the progress
 struct VerifyOptions {
   std::string file;  // the header file
   bool json = false;
-  bool quiet = false;  // no progress
+  bool strict = false;  // notes count as problems do
+  bool quiet = false;   // no progress
 };
 
 /// What was found, and how much was looked at.
@@ -56,11 +57,12 @@ Verdict verify(const VerifyOptions& options) {
 /// A recording whose files contradict each other so much that none of its frames can be reached.
 Verdict unopened(const RecordingError& error) {
   Verdict verdict;
-  const std::string text = error.what();
-  const std::size_t problem = text.find(": ", error.file().size());
-  verdict.findings.add(
-      {Problem::kUnreadable, error.file(), std::nullopt, error.offset(), text.substr(problem + 2)});
+  verdict.findings.add(unreadable(error));
   return verdict;
+}
+
+bool isSound(const VerifyOptions& options, const Findings& findings) {
+  return findings.problems().count() == 0 && (!options.strict || findings.notes().count() == 0);
 }
 
 std::string placeText(const Finding& finding) {
@@ -68,45 +70,67 @@ std::string placeText(const Finding& finding) {
   return fmt::format("{}{}, byte {}", escaped(finding.file), record, finding.offset);
 }
 
+/// @param start of each line.
+void print(const FindingList& list, const char* start) {
+  for (const Finding& finding : list.kept()) {
+    fmt::print("{}{}: {}\n", start, placeText(finding), escaped(finding.text));
+  }
+  if (list.count() > list.kept().size()) {
+    fmt::print("{}... and {} more\n", start, list.count() - list.kept().size());
+  }
+}
+
+/// "no problems", "1 problem, 2 notes".
+std::string countsText(const Findings& findings) {
+  const std::uint64_t problems = findings.problems().count();
+  const std::uint64_t notes = findings.notes().count();
+  return (problems == 0 ? "no problems" : countText(problems, "problem")) +
+         (notes == 0 ? "" : ", " + countText(notes, "note"));
+}
+
 /// Each finding with file, record and offset, and a last line that sums up.
 void print(const VerifyOptions& options, const Verdict& verdict) {
   const Findings& findings = verdict.findings;
-  for (const Finding& finding : findings.kept()) {
-    fmt::print("{}: {}\n", placeText(finding), escaped(finding.text));
-  }
-  if (findings.count() > findings.kept().size()) {
-    fmt::print("... and {} more\n", findings.count() - findings.kept().size());
-  }
+  print(findings.problems(), "");
+  print(findings.notes(), "note: ");
   if (findings.firstDamage()) {
-    fmt::print("The first missing or damaged record is {} ({}).\n", *findings.firstDamage()->record,
-               placeText({Problem::kHeader, findings.firstDamage()->file, std::nullopt,
-                          findings.firstDamage()->offset, ""}));
+    fmt::print("The first missing or damaged record is {} ({}, byte {}).\n",
+               *findings.firstDamage()->record, escaped(findings.firstDamage()->file),
+               findings.firstDamage()->offset);
   }
   fmt::print("{}: {} of {}, {}, {}\n", escaped(options.file), verdict.written,
              countText(verdict.announced, "frame"), countText(verdict.placeholders, "placeholder"),
-             findings.count() == 0 ? "no problems" : countText(findings.count(), "problem"));
+             countsText(findings));
 }
 
-Json jsonOf(const Finding& finding) {
-  Json json{{"problem", nameOf(finding.problem)}, {"file", finding.file}};
+/// @param kind what the word for the finding is called.
+Json jsonOf(const Finding& finding, const char* kind) {
+  Json json{{kind, nameOf(finding.problem)}, {"file", finding.file}};
   json["record"] = finding.record ? Json(*finding.record) : nullptr;
   json["offset"] = finding.offset;
   json["text"] = finding.text;
   return json;
 }
 
+Json jsonOf(const FindingList& list, const char* kind) {
+  Json json = Json::array();
+  for (const Finding& finding : list.kept()) json.push_back(jsonOf(finding, kind));
+  return json;
+}
+
 Json jsonOf(const VerifyOptions& options, const Verdict& verdict) {
   const Findings& findings = verdict.findings;
   Json json{{"file", options.file},
-            {"ok", findings.count() == 0},
+            {"ok", isSound(options, findings)},
             {"announced", verdict.announced},
             {"written", verdict.written},
             {"placeholders", verdict.placeholders},
-            {"problemCount", findings.count()}};
+            {"problemCount", findings.problems().count()},
+            {"noteCount", findings.notes().count()}};
   const auto& damage = findings.firstDamage();
-  json["firstDamage"] = damage ? jsonOf(*damage) : Json(nullptr);
-  json["problems"] = Json::array();
-  for (const Finding& finding : findings.kept()) json["problems"].push_back(jsonOf(finding));
+  json["firstDamage"] = damage ? jsonOf(*damage, "problem") : Json(nullptr);
+  json["problems"] = jsonOf(findings.problems(), "problem");
+  json["notes"] = jsonOf(findings.notes(), "note");
   return json;
 }
 
@@ -128,7 +152,7 @@ Outcome runVerify(const VerifyOptions& options) {
   } else {
     print(options, verdict);
   }
-  return verdict.findings.count() == 0 ? Outcome::kDone : Outcome::kProblemsFound;
+  return isSound(options, verdict.findings) ? Outcome::kDone : Outcome::kProblemsFound;
 }
 
 }  // namespace
@@ -138,9 +162,11 @@ void addVerify(CLI::App& app, Job& job) {
       addCommand(app, job, "verify", "Check every byte that can be checked", runVerify);
   line.add_option("FILE", options.file, "header file (.kpf)")->required();
   addJson(line, options.json);
+  line.add_flag("--strict", options.strict, "notes count as problems do");
   line.add_flag("--quiet", options.quiet, "no progress");
   addFooter(line, "kpf verify clip.kpf && echo sound",
-            {"nothing was found", "the recording has problems",
+            {"no problems, though there may be notes",
+             "the recording has problems, or with --strict notes",
              "wrong usage, or there is no recording to verify"});
 }
 

@@ -40,7 +40,9 @@ class RecordedFrames : public FrameSource {
   unsigned width() const override { return recording_.header().width; }
   unsigned height() const override { return recording_.header().height; }
   Samples samples() const override { return samples_; }
-  double frameRate() const override { return recording_.header().frameRate; }
+  double frameRate() const override {
+    return recording_.header().hasFrameRate() ? recording_.header().frameRate : 0;
+  }
   std::uint64_t frameCount() const override { return places_; }
 
   bool next() override {

@@ -1,6 +1,7 @@
 #include "tools/kpf/records/records.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <stdexcept>
 
@@ -74,6 +75,18 @@ Record Records::readHeader(std::uint32_t place) {
   return record;
 }
 
+std::uint32_t Records::unstoredFrom(const Record& record) {
+  open(*record.file);
+  // Between records of a block it is not worth a call.
+  if (record.offset < asked_) return 0;
+  const std::uint64_t end = std::min(data_->storedFrom(record.offset), record.file->size);
+  asked_ = std::max(end, record.offset + kBlock);
+  const std::uint64_t whole =
+      (end - std::min(end, record.offset)) / recording_.header().recordSize();
+  const std::uint32_t index = record.place % recording_.header().framesPerDivFile;
+  return static_cast<std::uint32_t>(std::min<std::uint64_t>(whole, record.file->records - index));
+}
+
 Record Records::locate(std::uint32_t place) const {
   Record record;
   record.place = place;
@@ -94,6 +107,7 @@ void Records::open(const DivFile& file) {
   if (file_ == &file) return;
   file_ = nullptr;
   held_ = 0;
+  asked_ = 0;
   data_.emplace(file.path);
   file_ = &file;
 }
@@ -108,6 +122,14 @@ void Records::fill(std::uint64_t offset, std::uint64_t size) {
   // What is not there for once is told with the system's own word, if it has one.
   data_->read(offset + held_, std::span(block_).first(1));
   throw RecordingError(file_->path, offset + held_, "the file has become shorter");
+}
+
+std::optional<Record> firstHeaderOf(const std::string& path) {
+  std::array<unsigned char, layout::kSize> bytes{};
+  if (DataFile(path).read(0, bytes) < bytes.size()) return std::nullopt;
+  Record record;
+  parse(bytes, record);
+  return record;
 }
 
 }  // namespace KPF_TOOL

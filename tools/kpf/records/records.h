@@ -50,6 +50,10 @@ class Records {
   /// `pixels` stay empty.
   Record readHeader(std::uint32_t place);
 
+  /// How many records from `record` on, of the same file, take no room on the disk, and so are
+  /// placeholders: long holes need not be read. 0 also where the system cannot tell.
+  std::uint32_t unstoredFrom(const Record& record);
+
  private:
   Record locate(std::uint32_t place) const;
   std::span<const unsigned char> bytesOf(const Record& record, std::uint64_t size);
@@ -62,8 +66,13 @@ class Records {
   std::optional<DataFile> data_;
   std::vector<unsigned char> block_;
   std::uint64_t start_ = 0;  // of the block in the file
+  std::uint64_t asked_ = 0;  // up to there the system has said what it stores, or need not be asked
   std::uint64_t held_ = 0;   // bytes of it that were read
 };
+
+/// The header of the first record of a data file that need not belong to a recording; nothing when
+/// the file is too short. @throws KPF_READER::RecordingError.
+std::optional<Record> firstHeaderOf(const std::string& path);
 
 }  // namespace KPF_TOOL
 

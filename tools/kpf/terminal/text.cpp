@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <ctime>
 #include <iterator>
@@ -92,6 +93,11 @@ std::string timeText(std::int64_t seconds, std::uint32_t microseconds) {
   if (seconds <= 0 || seconds >= kYear10000) return text;
   return fmt::format("{} ({:%F %T}.{:06} UTC)", text,
                      fmt::gmtime(static_cast<std::time_t>(seconds)), microseconds);
+}
+
+std::string secondsText(double seconds) {
+  return std::abs(seconds) < 1e15 ? fmt::format("{:.6f} s", seconds)
+                                  : fmt::format("{:g} s", seconds);
 }
 
 std::string sizeText(double bytes) {

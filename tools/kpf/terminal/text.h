@@ -19,6 +19,9 @@ std::string escaped(const std::string& text);
 /// later ones are of an epoch that only their recorder knows.
 std::string timeText(std::int64_t seconds, std::uint32_t microseconds);
 
+/// "0.040000 s"; what no clock of ours lasts is written shorter.
+std::string secondsText(double seconds);
+
 /// "351.9 MB": decimal units, one digit.
 std::string sizeText(double bytes);
 
