@@ -2,6 +2,7 @@
 import contextlib
 import os
 import pty
+import resource
 import struct
 import subprocess
 import tempfile
@@ -82,10 +83,18 @@ class RecordingTest(unittest.TestCase):
             self.write("clip/clip_%04d.div" % (first // 2 + 1),
                        run(range(first, min(first + 2, frames))))
 
-    def kpf(self, *arguments):
-        """Exit code, standard output, standard error."""
+    def kpf(self, *arguments, file_size=resource.RLIM_INFINITY):
+        """Exit code, standard output, standard error.
+
+        No file may grow beyond `file_size` bytes: what a full disk is for root, anybody can try."""
+        def limit():
+            hard = resource.getrlimit(resource.RLIMIT_FSIZE)[1]
+            resource.setrlimit(resource.RLIMIT_FSIZE, (file_size, hard))
+
+        limited = limit if file_size != resource.RLIM_INFINITY else None
         done = subprocess.run([KPF, *arguments], cwd=self.folder, capture_output=True, text=True,
-                              errors="surrogateescape", timeout=60, check=False)
+                              errors="surrogateescape", timeout=60, check=False,
+                              preexec_fn=limited)
         return done.returncode, done.stdout, done.stderr
 
     def kpf_bytes(self, *arguments):

@@ -88,6 +88,31 @@ class Places(RecordingTest):
         self.assertEqual(len(first + rest), 2000 * 4096)
         self.assertEqual(first, b"\x07" * 4096)
 
+    def test_header_alone_takes_no_memory_and_begins_nothing(self):
+        self.write("clip.kpf", header(width=65535, height=32000, frames=1))
+        for name in os.listdir(self.path("clip")):
+            os.remove(self.path("clip/" + name))
+        for command in ("export", "amplify"):
+            code, out, err = self.kpf(command, "clip.kpf", "out.mkv")
+            self.assertEqual((code, out), (2, ""))
+            self.assertIn("kpf: clip.kpf holds no such frames: it has none at all\n", err)
+        self.assertFalse(os.path.exists(self.path("out.mkv")))
+
+    def test_millions_of_records_that_take_no_room(self):
+        self.write("clip.kpf", header(width=0, frames=134217727))
+        self.cut("clip/clip_0001.div", 0)
+        self.cut("clip/clip_0001.div", 16 * 134217727)
+        code, out, err = self.kpf("info", "clip.kpf")
+        self.assertEqual((code, err), (0, ""))
+        self.assertIn("134217727 announced, 134217727 written, 134217727 placeholders", out)
+        code, out, err = self.kpf("verify", "clip.kpf")
+        self.assertEqual((code, err), (0, ""))
+        self.assertIn("record 0, byte 0: 134217727 placeholders, the last is record 134217726", out)
+        for command in ("export", "amplify"):
+            code, _, err = self.kpf(command, "clip.kpf", "-")
+            self.assertEqual(code, 2)
+            self.assertIn("its frames have no pixels", err)
+
     def test_numbers_beyond_the_end_are_told_with_the_places(self):
         self.lose_the_second_file()
         code, _, err = self.kpf("export", "clip.kpf", "-", "--from", "6")

@@ -86,6 +86,17 @@ class Verify(RecordingTest):
             "./clip.kpf, byte 468: 3 of 5 announced frames are there",
         ])
 
+    def test_recorder_that_was_killed_before_it_knew_the_number(self):
+        self.write("clip.kpf", header(frames=0xFFFFFFFF))
+        self.assertEqual(self.notes(), [
+            "./clip.kpf, byte 468: 5 frames on disk, and the recorder never told how many there "
+            "would be" + NO_STATUS])
+        self.assertEqual(self.kpf("verify", "clip.kpf")[1].splitlines()[-1],
+                         "clip.kpf: 5 of an unknown number of frames, 0 placeholders, no problems, "
+                         "1 note")
+        self.assertIn("frames      an unknown number announced, 5 written",
+                      self.kpf("info", "clip.kpf")[1])
+
     def test_recorder_that_was_killed(self):
         self.cut(DIV, 72)
         self.assertEqual(self.notes(), [

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "format/kpf_file_names.h"
+#include "format/kpf_frame_count.h"
 #include "format/kpf_layout.h"
 #include "format/kpf_status.h"
 #include "paths/native_path.h"
@@ -107,6 +108,18 @@ std::string withoutCarriageReturns(std::string text) {
   return text;
 }
 
+std::string shortfallText(const Recording& recording, bool hasStatus) {
+  const std::uint32_t announced = recording.header().frameCount;
+  const std::string frames =
+      announcesCount(recording.header())
+          ? fmt::format("{} of {} announced frames are there", recording.recordCount(), announced)
+          : fmt::format("{} on disk, and the recorder never told how many there would be",
+                        countText(recording.recordCount(), "frame"));
+  if (hasStatus) return frames;
+  return frames +
+         ", and no status file: the recorder was stopped, ran out of space, or is still at work";
+}
+
 /// @return whether there is one.
 bool checkStatusFile(const Recording& recording, bool complete, Findings& findings) {
   const auto about = [&](const std::string& text) {
@@ -141,11 +154,11 @@ void checkCompleteness(const Recording& recording, Findings& findings) {
   }
   if (complete) return;
   findings.addNote({Problem::kIncomplete, recording.path(), std::nullopt, kFrameCountOffset,
-                    fmt::format("{} of {} announced frames are there{}", recording.recordCount(),
-                                header.frameCount,
-                                hasStatus ? ""
-                                          : ", and no status file: the recorder was stopped, ran "
-                                            "out of space, or is still at work")});
+                    shortfallText(recording, hasStatus)});
+}
+
+bool announcesCount(const Header& header) {
+  return header.frameCount != KPF_FORMAT::kFrameCountUnknown;
 }
 
 void checkHeader(const Recording& recording, Findings& findings) {

@@ -1,13 +1,17 @@
 #include "tools/kpf/checks/check_records.h"
 
-#include <algorithm>
+#include <fmt/format.h>
+
 #include <optional>
 #include <string>
 
 #include "tools/kpf/checks/old_files.h"
 #include "tools/kpf/checks/record_checker.h"
 #include "tools/kpf/checks/unreadable.h"
+#include "tools/kpf/records/checksum.h"
+#include "tools/kpf/records/checksum_file.h"
 #include "tools/kpf/records/records.h"
+#include "tools/kpf/terminal/text.h"
 
 namespace KPF_TOOL {
 using KPF_READER::DivFile;
@@ -21,6 +25,7 @@ class RecordsCheck {
       : recording_(recording),
         records_(recording, KPF_READER::Access::kSequential),
         bytesRead_(bytesRead),
+        checksums_(recording.path(), recording.header().identifier),
         checker_(recording.header(), findings),
         findings_(findings) {}
 
@@ -31,6 +36,7 @@ class RecordsCheck {
       bytesRead_(done_);
     }
     checker_.finish();
+    checkChecksums();
     return checker_.placeholders();
   }
 
@@ -50,7 +56,8 @@ class RecordsCheck {
     try {
       const Record record = records_.read(place);
       bytesRead_(done_ + record.offset);
-      const std::uint32_t unstored = record.placeholder ? records_.unstoredFrom(record) : 0;
+      checkChecksum(record);
+      const std::uint32_t unstored = mayPassOver(record) ? records_.unstoredFrom(record) : 0;
       if (unstored > 1) {
         checker_.addPlaceholders(record, unstored);
         return unstored;
@@ -61,6 +68,38 @@ class RecordsCheck {
       findings_.add(unreadable(error, place));
     }
     return 1;
+  }
+
+  /// Each record that has a checksum is looked at.
+  bool mayPassOver(const Record& record) const {
+    return record.placeholder && checksums_.state() != ChecksumReader::State::kUsable;
+  }
+
+  void checkChecksum(const Record& record) {
+    const auto kept = checksums_.of(record.place);
+    if (!kept || *kept == checksumOf(record.bytes)) return;
+    findings_.add({Problem::kChecksum, record.file->path, record.place, record.offset,
+                   "not the record whose checksum was kept"});
+  }
+
+  /// What is to be said of the file of checksums as a whole.
+  void checkChecksums() {
+    checksums_.finish();
+    const auto about = [this](const std::string& text, std::optional<std::uint32_t> record = {}) {
+      return Finding{Problem::kChecksum, checksums_.path(), record, 0, text};
+    };
+    if (checksums_.state() == ChecksumReader::State::kForeign) {
+      findings_.addNote(about("the checksums are those of another recording of this name"));
+    } else if (checksums_.state() == ChecksumReader::State::kUnreadable) {
+      findings_.add(about("not a file of checksums"));
+    }
+    if (checksums_.badLine() != 0) {
+      findings_.add(about(fmt::format("line {} is no checksum", checksums_.badLine())));
+    }
+    if (checksums_.passedOver() == 0) return;
+    findings_.add(about(countText(checksums_.passedOver(), "record") +
+                            " of which the checksum was kept cannot be read",
+                        checksums_.firstPassedOver()));
   }
 
   /// A recording that was begun again under the same name and cut short has data files of the older
@@ -80,6 +119,7 @@ class RecordsCheck {
   const Recording& recording_;
   Records records_;
   const BytesRead& bytesRead_;
+  ChecksumReader checksums_;
   RecordChecker checker_;
   Findings& findings_;
   std::optional<Moment> begin_;  // of the recording

@@ -30,7 +30,7 @@ struct ExportOptions {
 std::unique_ptr<PictureOutput> openOutputFor(const FrameSource& source, std::uint64_t frames,
                                              const ExportOptions& options) {
   const double rate = source.frameRate() > 0 ? source.frameRate() : kRateOfNone;
-  return openOutput({options.output, options.force, filesRead(options.file)},
+  return openOutput({options.output, options.force, filesOfRecording(options.file)},
                     {source.width(), source.height(), source.samples(), rate, options.range.first(),
                      frames, options.y4m});
 }
@@ -54,15 +54,14 @@ std::uint64_t copyFrames(FrameSource& source, PictureOutput& output, const Expor
 
 Outcome runExport(const ExportOptions& options) {
   const Interrupt interrupt;
-  const auto source = openRecording(options.file, samplesOf(options.file));
-  const auto frames = framesAskedFor(*source, options.range, options.file);
-  if (!frames || source->frameCount() == 0) throw noSuchFrames(options.file, "it has none at all");
-  const auto output = openOutputFor(*source, *frames, options);
+  const auto source = openRecordedFrames(options.file, samplesOf(options.file));
+  const std::uint64_t frames = framesAskedFor(*source, options.range, options.file).value();
+  const auto output = openOutputFor(*source, frames, options);
   remark(options.quiet, beyondEnd(options.range, source->frameCount()));
   remark(options.quiet, output->remark());
-  const std::uint64_t done = copyFrames(*source, *output, options, *frames);
-  if (done == *frames) return endOf(*source, options.file);
-  fmt::print(stderr, "kpf: {} of {} frames exported: interrupted\n", done, *frames);
+  const std::uint64_t done = copyFrames(*source, *output, options, frames);
+  if (done == frames) return endOf(*source, options.file);
+  fmt::print(stderr, "kpf: {} of {} frames exported: interrupted\n", done, frames);
   return Outcome::kCutShort;
 }
 

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "kpf_reader.h"
+#include "tools/kpf/checks/check_files.h"
 #include "tools/kpf/checks/survey.h"
 #include "tools/kpf/commands/commands.h"
 #include "tools/kpf/terminal/json.h"
@@ -45,7 +46,9 @@ void printHeader(const Survey& survey) {
 }
 
 void printFrames(const Survey& survey) {
-  line("frames", "{} announced, {} written, {}", survey.header().frameCount,
+  line("frames", "{} announced, {} written, {}",
+       announcesCount(survey.header()) ? std::to_string(survey.header().frameCount)
+                                       : "an unknown number",
        survey.recording.recordCount(), countText(survey.placeholders, "placeholder"));
   if (survey.first) {
     line("first time", "{}", timeText(survey.first->seconds, survey.first->microseconds));

@@ -16,20 +16,16 @@
 #include "tools/kpf/terminal/text.h"
 
 namespace KPF_TOOL {
-namespace {
 
 bool isRecording(const std::string& name) { return lowerCase(name).ends_with(".kpf"); }
 
-/// Both what the reader finds and what lies there under names of the recording.
-std::vector<std::string> filesOfRecording(const std::string& name) {
-  std::vector<std::string> files = filesOf(headerPath(name));
+FileIds filesOfRecording(const std::string& name) {
   const KPF_READER::Recording recording(name, KPF_READER::Access::kSparse);
+  std::vector<std::string> files = filesOf(headerPath(name));
   for (const auto& file : recording.divFiles()) files.push_back(file.path);
   files.push_back(recording.path());
-  return files;
+  return FileIds(files);
 }
-
-}  // namespace
 
 ToolError noSuchFrames(const std::string& name, const std::string& why) {
   return {Outcome::kWrongUsage, fmt::format("{} holds no such frames: {}", escaped(name), why),
@@ -37,11 +33,19 @@ ToolError noSuchFrames(const std::string& name, const std::string& why) {
 }
 
 std::unique_ptr<FrameSource> openFrames(const std::string& name, Samples samples) {
-  return isRecording(name) ? openRecording(name, samples) : openMedia(name, samples);
+  return isRecording(name) ? openRecordedFrames(name, samples) : openMedia(name, samples);
+}
+
+std::unique_ptr<FrameSource> openRecordedFrames(const std::string& name, Samples samples) {
+  auto source = openRecording(name, samples);
+  // Whoever sizes memory by what a header claims has a record before.
+  if (source->frameCount() == 0) throw noSuchFrames(name, "it has none at all");
+  if (source->frameSize() == 0) throw noSuchFrames(name, "its frames have no pixels");
+  return source;
 }
 
 FileIds filesRead(const std::string& name) {
-  if (isRecording(name)) return FileIds(filesOfRecording(name));
+  if (isRecording(name)) return filesOfRecording(name);
   std::vector<std::string> files = {name};
   if (const auto pattern = ImagePattern::parse(name)) {
     for (const std::uint64_t number : pattern->numbersThere()) {
@@ -90,7 +94,7 @@ void remark(bool quiet, const std::string& line) {
 }
 
 Outcome endOf(const FrameSource& source, const std::string& name) {
-  const std::string flaw = source.flaw();
+  const std::string flaw = source.flaw().empty() ? source.trouble() : source.flaw();
   if (flaw.empty()) return Outcome::kDone;
   fmt::print(stderr, "kpf: {}: {}\n", escaped(name), flaw);
   return Outcome::kCutShort;

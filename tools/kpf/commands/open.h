@@ -20,6 +20,13 @@ namespace KPF_TOOL {
 /// recordings the 8-bit samples are the high bytes. @throws ToolError, KPF_READER::RecordingError.
 std::unique_ptr<FrameSource> openFrames(const std::string& name, Samples samples);
 
+/// A recording, whatever its name ends in, with a frame at least. @throws as openFrames does.
+std::unique_ptr<FrameSource> openRecordedFrames(const std::string& name, Samples samples);
+
+/// All files of a recording: what the reader finds, and what lies there under its names.
+/// @throws KPF_READER::RecordingError.
+FileIds filesOfRecording(const std::string& name);
+
 /// The files that are read where `name` is: of a recording all of them, of a pattern all images.
 /// @throws KPF_READER::RecordingError.
 FileIds filesRead(const std::string& name);

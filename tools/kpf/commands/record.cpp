@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <system_error>
 
@@ -13,6 +14,7 @@
 #include "tools/kpf/commands/open.h"
 #include "tools/kpf/commands/record_options.h"
 #include "tools/kpf/media/media.h"
+#include "tools/kpf/recording/checksummed_stream.h"
 #include "tools/kpf/recording/record_report.h"
 #include "tools/kpf/recording/record_stream.h"
 #include "tools/kpf/recording/recorder.h"
@@ -138,7 +140,9 @@ Outcome recordInto(const std::string& header, FrameSource& input, const RecordOp
     throw ToolError(Outcome::kRefused, fmt::format("cannot begin {}", escaped(header)),
                     "See the lines above.");
   }
-  TimedStream timed(stream, rate);
+  std::optional<ChecksummedStream> checked;
+  if (options.checksums) checked.emplace(stream, header);
+  TimedStream timed(checked ? static_cast<RecordStream&>(*checked) : stream, rate);
   Recorder recorder(input, timed, limit, Timeline(options.fillGaps, rate, input.frameRate()));
   const std::string trouble =
       runLoop(recorder, input, captured, options.isLimited() ? limit : 0, options.quiet);
@@ -148,6 +152,7 @@ Outcome recordInto(const std::string& header, FrameSource& input, const RecordOp
   result.trouble = trouble;
   const bool whole = !complaints && result.onDisk == result.frames;
   result.written = stream.announce(result.frames, whole) && whole;
+  if (checked) result.written = checked->finish() && result.written;
   if (!result.written) result.obstacle = obstacleTo(header, recordSizeOf(input, options));
   // The library does not know that the smaller number was made true, and says so.
   if (result.written) captured.drop();

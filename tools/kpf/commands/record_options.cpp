@@ -46,6 +46,8 @@ void addRecordOptions(CLI::App& line, RecordOptions& options) {
   line.add_option("--start", options.start, "time of the first frame: 2026-11-21T05:00:00Z");
   line.add_option("--text", options.text, "text to keep in the header file (text5)");
   line.add_option("--note", options.note, "second text to keep there (text2)");
+  line.add_flag("--checksums", options.checksums,
+                "keep a checksum of each frame, which verify compares");
   line.add_flag("--fill-gaps", options.fillGaps,
                 "placeholders where the input's time stamps skip frames");
   line.add_flag("--force", options.force, "replace another recording");

@@ -23,6 +23,7 @@ struct RecordOptions {
   std::string start;         // of the first frame; empty: now
   std::string text;          // text5
   std::string note;          // text2
+  bool checksums = false;    // keep those of the records beside the header
   bool fillGaps = false;     // placeholders where the input's time stamps skip frames
   bool force = false;        // replace another recording
   bool quiet = false;

@@ -33,6 +33,7 @@ struct VerifyOptions {
 struct Verdict {
   Findings findings;
   std::uint32_t announced = 0;
+  bool announcesCount = true;  // else `announced` is no number
   std::uint32_t written = 0;
   std::uint32_t placeholders = 0;
 };
@@ -41,6 +42,7 @@ Verdict verify(const VerifyOptions& options) {
   Verdict verdict;
   const Recording recording(options.file);
   verdict.announced = recording.header().frameCount;
+  verdict.announcesCount = announcesCount(recording.header());
   verdict.written = recording.recordCount();
   checkHeader(recording, verdict.findings);
   checkCompleteness(recording, verdict.findings);
@@ -99,8 +101,10 @@ void print(const VerifyOptions& options, const Verdict& verdict) {
                findings.firstDamage()->offset);
   }
   fmt::print("{}: {} of {}, {}, {}\n", escaped(options.file), verdict.written,
-             countText(verdict.announced, "frame"), countText(verdict.placeholders, "placeholder"),
-             countsText(findings));
+
+             verdict.announcesCount ? countText(verdict.announced, "frame")
+                                    : "an unknown number of frames",
+             countText(verdict.placeholders, "placeholder"), countsText(findings));
 }
 
 /// @param kind what the word for the finding is called.

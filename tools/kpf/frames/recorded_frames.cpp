@@ -9,8 +9,7 @@
 #include <vector>
 
 #include "kpf_reader.h"
-#include "tools/kpf/records/records.h"
-#include "tools/kpf/terminal/text.h"
+#include "tools/kpf/records/record_walk.h"
 
 namespace KPF_TOOL {
 namespace {
@@ -32,10 +31,7 @@ void copySamples(const std::vector<std::uint16_t>& in, Samples samples, std::siz
 class RecordedFrames : public FrameSource {
  public:
   RecordedFrames(const std::string& name, Samples samples)
-      : recording_(name),
-        records_(recording_, KPF_READER::Access::kSequential),
-        samples_(samples),
-        places_(records_.places()) {}
+      : recording_(name), records_(recording_), samples_(samples) {}
 
   unsigned width() const override { return recording_.header().width; }
   unsigned height() const override { return recording_.header().height; }
@@ -43,11 +39,11 @@ class RecordedFrames : public FrameSource {
   double frameRate() const override {
     return recording_.header().hasFrameRate() ? recording_.header().frameRate : 0;
   }
-  std::uint64_t frameCount() const override { return places_; }
+  std::uint64_t frameCount() const override { return records_.places(); }
 
   bool next() override {
-    if (next_ >= places_) return false;
-    present_ = fetch(static_cast<std::uint32_t>(next_++));
+    if (next_ >= records_.places()) return false;
+    present_ = records_.at(static_cast<std::uint32_t>(next_++));
     return true;
   }
 
@@ -59,19 +55,11 @@ class RecordedFrames : public FrameSource {
   bool lost() const override { return !present_ || present_->placeholder; }
 
   std::string flaw() const override {
-    std::string text;
-    const auto add = [&text](const std::string& more) {
-      text += (text.empty() ? "" : ", ") + more;
-    };
-    if (missing_ != 0) {
-      add(fmt::format("{} missing, the first is {}", areText(missing_), firstMissing_));
-    }
-    if (unreadable_ != 0) {
-      add(fmt::format("{} unreadable ({})", areText(unreadable_), escaped(unreadableText_)));
-    }
-    if (next_ >= places_ && places_ < recording_.header().frameCount) {
-      add(fmt::format("the recording ends after {} of {} announced frames", places_,
-                      recording_.header().frameCount));
+    std::string text = records_.flaw();
+    if (next_ >= records_.places() && records_.places() < recording_.header().frameCount) {
+      text +=
+          fmt::format("{}the recording ends after {} of {} announced frames",
+                      text.empty() ? "" : ", ", records_.places(), recording_.header().frameCount);
     }
     return text;
   }
@@ -92,21 +80,6 @@ class RecordedFrames : public FrameSource {
   void skip(std::uint64_t frames) override { next_ += frames; }
 
  private:
-  static std::string areText(std::uint64_t frames) {
-    return countText(frames, "frame") + (frames == 1 ? " is" : " are");
-  }
-
-  /// Nothing where a data file or its end is missing, or where the disk fails.
-  std::optional<Record> fetch(std::uint32_t place) {
-    try {
-      if (records_.fileOf(place) != nullptr) return records_.read(place);
-      if (missing_++ == 0) firstMissing_ = place;
-    } catch (const KPF_READER::RecordingError& error) {
-      if (unreadable_++ == 0) unreadableText_ = error.what();
-    }
-    return std::nullopt;
-  }
-
   /// What is stored a byte a pixel needs no detour over 16 bits.
   void copyPixels(unsigned char* out, std::size_t stride) const {
     for (unsigned y = 0; y < height(); ++y) {
@@ -116,16 +89,11 @@ class RecordedFrames : public FrameSource {
   }
 
   Recording recording_;
-  Records records_;
+  RecordWalk records_;
   Samples samples_;
-  std::uint32_t places_;
   std::vector<std::uint16_t> unpacked_;
   std::uint64_t next_ = 0;         // may lie far behind the end, so wider than a record's number
   std::optional<Record> present_;  // the frame that next() went on to
-  std::uint64_t missing_ = 0;
-  std::uint32_t firstMissing_ = 0;
-  std::uint64_t unreadable_ = 0;
-  std::string unreadableText_;  // of the first
 };
 
 }  // namespace

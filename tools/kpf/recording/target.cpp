@@ -10,6 +10,7 @@
 #include "format/kpf_fixed.h"
 #include "format/kpf_layout.h"
 #include "format/kpf_status.h"
+#include "tools/kpf/records/checksum_file.h"
 #include "tools/kpf/terminal/text.h"
 #include "tools/kpf/terminal/tool_error.h"
 
@@ -55,7 +56,8 @@ std::string headerPath(const std::string& output) {
 
 std::vector<std::string> filesOf(const std::string& header) {
   std::vector<std::string> files;
-  for (const std::string& name : {header, KPF_FORMAT::statusFileName(header)}) {
+  for (const std::string& name :
+       {header, KPF_FORMAT::statusFileName(header), checksumFileName(header)}) {
     if (fs::exists(name)) files.push_back(name);
   }
   const auto names = KPF_FORMAT::dataNames(KPF_FORMAT::withoutExtension(header).value_or(header));

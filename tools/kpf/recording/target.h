@@ -15,7 +15,8 @@ namespace KPF_TOOL {
 /// extension.
 std::string headerPath(const std::string& output);
 
-/// Files of a recording of that name that are there: header, data files, status file.
+/// Files of a recording of that name that are there: header, data files, status file,
+/// checksums.
 std::vector<std::string> filesOf(const std::string& header);
 
 /// Sees that nothing is in the way that may not be replaced, and removes nothing.

@@ -124,6 +124,10 @@ void Records::fill(std::uint64_t offset, std::uint64_t size) {
   throw RecordingError(file_->path, offset + held_, "the file has become shorter");
 }
 
+void setSequenceNumber(std::span<unsigned char> bytes, std::uint32_t number) {
+  KPF_FORMAT::store(bytes.data(), layout::kSequenceNumber, number);
+}
+
 std::optional<Record> firstHeaderOf(const std::string& path) {
   std::array<unsigned char, layout::kSize> bytes{};
   if (DataFile(path).read(0, bytes) < bytes.size()) return std::nullopt;

@@ -70,6 +70,9 @@ class Records {
   std::uint64_t held_ = 0;   // bytes of it that were read
 };
 
+/// Makes the record in `bytes` say another number.
+void setSequenceNumber(std::span<unsigned char> bytes, std::uint32_t number);
+
 /// The header of the first record of a data file that need not belong to a recording; nothing when
 /// the file is too short. @throws KPF_READER::RecordingError.
 std::optional<Record> firstHeaderOf(const std::string& path);

@@ -1,0 +1,54 @@
+"""What cannot be written is no success: what a full disk does, without the right to mount one."""
+import os
+import unittest
+
+from recordings import header, record
+from videos import VideoTest, y4m
+
+LIMIT = 300000  # bytes that a file may have; each job here would write more
+
+
+class FullDisk(VideoTest):
+    def setUp(self):
+        """Sixty frames of 100 x 100 pixels that no encoder makes small."""
+        super().setUp()
+        os.remove(self.path("eight.y4m"))
+        os.remove(self.path("sixteen.y4m"))
+        self.frames = [list(os.urandom(10000)) for _ in range(60)]
+        self.write("in.y4m", y4m(self.frames, 100, 100))
+        self.write("clip.kpf", header(width=100, height=100, frames=60))
+        self.write("clip/clip_0001.div",
+                   b"".join(record(n, pixels=bytes(f)) for n, f in enumerate(self.frames)))
+        self.before = self.files()
+
+    def files(self):
+        return sorted(os.path.join(folder, name)
+                      for folder, _, names in os.walk(self.folder) for name in names)
+
+    def meet_limit(self, *arguments):
+        """What a job says that meets the limit."""
+        code, out, err = self.kpf(*arguments, file_size=LIMIT)
+        self.assertEqual((code, out), (1, ""), arguments)
+        return err
+
+    def test_videos(self):
+        for arguments in (("export", "clip.kpf", "out.mkv"), ("export", "clip.kpf", "out.mp4"),
+                          ("amplify", "clip.kpf", "out.avi", "--frequency", "12")):
+            self.assertIn(arguments[2], self.meet_limit(*arguments))
+            self.assertEqual(self.files(), self.before, arguments)
+
+    def test_recordings(self):
+        said = self.meet_limit("record", "in.y4m", "new.kpf")
+        self.assertIn("29 of 30 frames are on disk", said)
+        code, out, _ = self.kpf("verify", "new.kpf")
+        self.assertEqual(code, 0, out)
+        self.assertIn("29 of 30 frames", out)
+
+    def test_cuts(self):
+        said = self.meet_limit("cut", "clip.kpf", "new.kpf")
+        self.assertIn("cannot write ./new/new_0001.div: File too large", said)
+        self.assertEqual(self.files(), self.before)
+
+
+if __name__ == "__main__":
+    unittest.main()
