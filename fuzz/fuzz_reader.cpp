@@ -1,26 +1,23 @@
 // Header, data and status files of any bytes: the reader gives what is there or a clear error.
-//
-// Input: one byte of choices, the header file, and what the other files share.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "format/kpf_file_names.h"
 #include "format/kpf_layout.h"
 #include "format/kpf_status.h"
 #include "fuzz/fuzz_input.h"
+#include "fuzz/recording_files.h"
 #include "fuzz/scratch.h"
 #include "kpf_reader.h"
 
 namespace {
 
+using FUZZ::Choices;
 using FUZZ::require;
 using KPF_READER::FrameRecord;
 using KPF_READER::Header;
@@ -29,42 +26,6 @@ using KPF_READER::Recording;
 constexpr std::size_t kHeaderSize = KPF_FORMAT::HEADER::kSize;
 constexpr std::size_t kLongestStatusText = 4096;  // of what the reader gives
 constexpr std::uint32_t kRecordsTried = 1000;
-
-/// What the first byte says, lowest bits first.
-struct Choices {
-  explicit Choices(std::uint8_t byte)
-      : headerSize(byte % 8 == 7 ? byte * 16U : kHeaderSize),
-        files(1U + byte / 8 % 4),
-        status((byte & 0x20) != 0),
-        firstIsMissing((byte & 0x40) != 0),
-        access((byte & 0x80) != 0 ? KPF_READER::Access::kSparse : KPF_READER::Access::kSequential) {
-  }
-  std::size_t headerSize;  // most inputs have a header of the right size
-  unsigned files;          // 1 to 4 data files
-  bool status;             // the last share is a status file
-  bool firstIsMissing;
-  KPF_READER::Access access;
-};
-
-void write(const std::string& name, const std::uint8_t* data, std::size_t size) {
-  std::ofstream file(name, std::ios::binary);
-  file.write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
-}
-
-/// All files of the recording rec.kpf; each but the header gets an equal share of the rest.
-void writeRecording(const FUZZ::Scratch& scratch, const Choices& choices, const std::uint8_t* data,
-                    std::size_t size) {
-  std::filesystem::create_directories(scratch / "rec");
-  const std::size_t headerSize = std::min(choices.headerSize, size);
-  write(scratch / "rec.kpf", data, headerSize);
-  const std::size_t share = (size - headerSize) / (choices.files + (choices.status ? 1 : 0));
-  const std::uint8_t* next = data + headerSize;
-  for (unsigned number = 1; number <= choices.files; ++number, next += share) {
-    if (number == 1 && choices.firstIsMissing) continue;
-    write(KPF_FORMAT::divFileName({scratch / "rec/", "rec"}, number), next, share);
-  }
-  if (choices.status) write(KPF_FORMAT::statusFileName(scratch / "rec.kpf"), next, share);
-}
 
 void checkHeader(const Recording& recording) {
   const Header& header = recording.header();
@@ -140,7 +101,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size == 0) return 0;
   const Choices choices(data[0]);
   scratch.clear();
-  writeRecording(scratch, choices, data + 1, size - 1);
+  FUZZ::writeRecording(scratch, choices, data + 1, size - 1,
+                       KPF_FORMAT::statusFileName(scratch / "rec.kpf"));
   try {
     Recording opened(scratch / "rec.kpf", choices.access);
     const auto last = readAll(std::move(opened), choices);
