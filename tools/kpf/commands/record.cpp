@@ -3,22 +3,20 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <memory>
 #include <optional>
 #include <string>
 #include <system_error>
 
-#include "format/kpf_layout.h"
 #include "kpf_reader.h"
 #include "tools/kpf/commands/commands.h"
 #include "tools/kpf/commands/open.h"
+#include "tools/kpf/commands/record_input.h"
+#include "tools/kpf/commands/record_live.h"
 #include "tools/kpf/commands/record_options.h"
-#include "tools/kpf/media/media.h"
 #include "tools/kpf/recording/checksummed_stream.h"
 #include "tools/kpf/recording/record_report.h"
 #include "tools/kpf/recording/record_stream.h"
 #include "tools/kpf/recording/recorder.h"
-#include "tools/kpf/recording/start_time.h"
 #include "tools/kpf/recording/target.h"
 #include "tools/kpf/recording/timed_stream.h"
 #include "tools/kpf/recording/timeline.h"
@@ -32,44 +30,6 @@
 namespace KPF_TOOL {
 namespace {
 
-constexpr unsigned kLongestSide = 0xFFFF;  // pixels; the header has 16 bits for each side
-
-/// What can be found wrong before the input is opened. @return the header file's path.
-std::string checkedHeader(const RecordOptions& options) {
-  std::string header = headerPath(options.output);
-  parseStartTime(options.start);
-  checkTarget(header, options.force, filesRead(options.input));
-  return header;
-}
-
-std::unique_ptr<FrameSource> openInput(const RecordOptions& options, const MediaHints& hints) {
-  auto input =
-      openMedia(options.input, options.bits == 8 ? Samples::k8Bit : Samples::k16Bit, hints);
-  if (input->width() > kLongestSide || input->height() > kLongestSide) {
-    throw ToolError(Outcome::kWrongUsage, "frames of more than 65535 rows or columns do not fit",
-                    "Make the video smaller.");
-  }
-  return input;
-}
-
-VLM_INTERNAL::VXP_STREAM_CONFIGURATION configurationFor(const FrameSource& input,
-                                                        const RecordOptions& options, double rate,
-                                                        std::uint64_t frames,
-                                                        RecordReport& report) {
-  const StartTime start = parseStartTime(options.start);
-  VLM_INTERNAL::VXP_STREAM_CONFIGURATION configuration;
-  configuration.text2 = fitted(options.note, "--note", KPF_FORMAT::HEADER::kText2.size, report);
-  configuration.text5 = fitted(options.text, "--text", KPF_FORMAT::HEADER::kText5.size, report);
-  configuration.width = input.width();
-  configuration.height = input.height();
-  configuration.frameRate = static_cast<int>(rate);
-  configuration.bitsPerPixel = options.bits;
-  configuration.frameCount = static_cast<unsigned>(frames);
-  configuration.startSeconds = start.seconds;
-  configuration.startMicroseconds = start.microseconds;
-  return configuration;
-}
-
 /// Looks at the files themselves: what the writer believes is no proof.
 std::uint64_t recordsOnDisk(const std::string& header) try {
   const KPF_READER::Recording recording(header, KPF_READER::Access::kSparse);
@@ -79,7 +39,7 @@ std::uint64_t recordsOnDisk(const std::string& header) try {
 }
 
 std::uint64_t recordSizeOf(const FrameSource& input, const RecordOptions& options) {
-  return vxGetPackedSize(input.width(), input.height(), static_cast<unsigned>(options.bits));
+  return vxGetPackedSize(input.width(), input.height(), static_cast<unsigned>(options.videoBits()));
 }
 
 /// Whether frames come when they are taken, as those of cameras and pipes do, and not when they are
@@ -134,7 +94,9 @@ RecordResult resultOf(const std::string& header, const Recorder& recorder, const
 Outcome recordInto(const std::string& header, FrameSource& input, const RecordOptions& options,
                    double rate, std::uint64_t limit, RecordReport& report) {
   CapturedOutput captured;
-  LibraryStream stream(header, configurationFor(input, options, rate, limit, report));
+  LibraryStream stream(
+      header, configurationFor({input.width(), input.height(), options.videoBits()}, options, rate,
+                               limit, report));
   if (!stream.isOpen()) {
     captured.release();
     throw ToolError(Outcome::kRefused, fmt::format("cannot begin {}", escaped(header)),
@@ -162,21 +124,16 @@ Outcome recordInto(const std::string& header, FrameSource& input, const RecordOp
 }
 
 Outcome runRecord(const RecordOptions& options) {
+  checkLiveOptions(options);
   const Interrupt interrupt;
-  const MediaHints hints = hintsOf(options);
+  if (isLive(options)) return recordLive(options);
   const std::string header = checkedHeader(options);
-  const auto input = openInput(options, hints);
+  const auto input = openInput(options);
   RecordReport report(options.quiet, options.json);
   for (const std::string& line : input->remarks()) report.remark(line);
   const double rate = wholeRate(options, input->frameRate(), report);
   const std::uint64_t limit = frameLimit(options, rate);
-  if (!input->next()) {
-    if (Interrupt::requested()) return Outcome::kCutShort;
-    throw ToolError(Outcome::kUnreadableInput,
-                    fmt::format("{} holds no frames", escaped(options.input)),
-                    "Give a video that can be decoded.");
-  }
-  if (Interrupt::requested()) return Outcome::kCutShort;
+  if (!findFirstFrame(*input, options)) return Outcome::kCutShort;
   const std::uint64_t recordSize = recordSizeOf(*input, options);
   checkRoom(header, options.isLimited() ? limit * recordSize : recordSize);
   // Only now: what cannot be recorded costs nobody an older recording.
@@ -187,7 +144,8 @@ Outcome runRecord(const RecordOptions& options) {
 }  // namespace
 
 void addRecord(CLI::App& app, Job& job) {
-  const auto [line, options] = addCommand(app, job, "record", "Record a video", runRecord);
+  const auto [line, options] =
+      addCommand(app, job, "record", "Record a video or a camera", runRecord);
   addRecordOptions(line, options);
   addFooter(line, "kpf record street.avi clip.kpf --bits 12",
             {"every frame is on disk, up to the end, the limit or Ctrl-C",

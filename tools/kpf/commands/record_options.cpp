@@ -29,12 +29,12 @@ constexpr unsigned kMostFrames = LibraryStream::kFramesUnknown;
 
 void addRecordOptions(CLI::App& line, RecordOptions& options) {
   line.add_option("INPUT", options.input,
-                  "video file, image pattern (f_%04d.png), camera (/dev/video0), or -")
+                  "video file, image pattern (f_%04d.png), /dev/video0, genicam:[ID|ADDRESS], or -")
       ->required();
   line.add_option("OUT", options.output, "header file to write (.kpf)")->required();
-  line.add_option("--bits", options.bits, "bits a pixel: 8 or 12")
-      ->check(CLI::IsMember({8, 12}))
-      ->capture_default_str();
+  line.add_option("--bits", options.bits,
+                  "bits a pixel: 8 or 12; of a GenICam camera those of its format, else 8")
+      ->check(CLI::IsMember({8, 12}));
   line.add_option("--raw", options.raw,
                   "the input is bare frames: WIDTHxHEIGHT:gray8, :gray12le or :gray16le");
   line.add_option("--frames", options.frames, "frames to record at most")
@@ -53,6 +53,7 @@ void addRecordOptions(CLI::App& line, RecordOptions& options) {
   line.add_flag("--force", options.force, "replace another recording");
   line.add_flag("--quiet", options.quiet, "no progress, no summary");
   addJson(line, options.json);
+  addLiveOptions(line, options.live);
 }
 
 MediaHints hintsOf(const RecordOptions& options) {

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <string>
 
+#include "tools/kpf/commands/live_options.h"
 #include "tools/kpf/media/media.h"
 #include "tools/kpf/recording/record_report.h"
 
@@ -15,7 +16,7 @@ namespace KPF_TOOL {
 struct RecordOptions {
   std::string input;         // whatever FFmpeg opens; "-" standard input
   std::string output;        // header file
-  int bits = 8;              // 8 or 12
+  int bits = 0;              // 8 or 12; 0: those of a GenICam camera's format, else 8
   std::string raw;           // "640x480:gray8": the input is nothing but frames
   std::uint64_t frames = 0;  // at most; 0: as many as the input holds
   double duration = 0;       // in seconds, at most; 0: as long as the input lasts
@@ -28,7 +29,10 @@ struct RecordOptions {
   bool force = false;        // replace another recording
   bool quiet = false;
   bool json = false;
+  LiveOptions live;
 
+  /// The bits to record of a video's pixels.
+  int videoBits() const { return bits == 0 ? 8 : bits; }
   bool isLimited() const { return frames > 0 || duration > 0; }
 };
 

@@ -14,6 +14,8 @@ LibraryStream::LibraryStream(const std::string& name,
 // What goes wrong the library logs, see CapturedOutput; the results of these calls say less.
 void LibraryStream::addImage(const unsigned char* image) { vxAddTiffImageData(handle_, image); }
 
+void LibraryStream::addRecord(const unsigned char* record) { vxAddPackedData(handle_, record); }
+
 void LibraryStream::addPlaceholder() { vxAddPlaceholder(handle_); }
 
 void LibraryStream::close() {

@@ -36,6 +36,8 @@ class LibraryStream : public RecordStream {
   bool isOpen() const { return handle_ != 0; }
   void addImage(const unsigned char* image) override;
   void addPlaceholder() override;
+  /// @param record header and pixels, as they are to be on disk.
+  void addRecord(const unsigned char* record);
   void close();
 
   /// Once it is closed: makes the header as if `frames` had been announced from the beginning.

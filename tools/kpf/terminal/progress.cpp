@@ -1,15 +1,9 @@
 #include "tools/kpf/terminal/progress.h"
 
 #include <fmt/format.h>
-#include <unistd.h>
-
-#include <cstdio>
 
 namespace KPF_TOOL {
 namespace {
-
-constexpr auto kInterval = std::chrono::milliseconds(100);
-constexpr const char* kWipeLine = "\r\033[K";  // to the first column, and erase to the end
 
 std::string clockText(double seconds) {
   const auto whole = static_cast<std::uint64_t>(seconds);
@@ -30,22 +24,10 @@ std::string progressText(std::uint64_t done, std::uint64_t total, const std::str
 }
 
 Progress::Progress(bool quiet, std::uint64_t total, const char* unit)
-    : visible_(!quiet && isatty(STDERR_FILENO) != 0),
-      total_(total),
-      unit_(unit),
-      begin_(Clock::now()),
-      shown_(begin_) {}
-
-Progress::~Progress() {
-  if (visible_) std::fputs(kWipeLine, stderr);
-}
+    : line_(quiet), total_(total), unit_(unit) {}
 
 void Progress::show(std::uint64_t done) {
-  const auto now = Clock::now();
-  if (!visible_ || now - shown_ < kInterval) return;
-  shown_ = now;
-  const double seconds = std::chrono::duration<double>(now - begin_).count();
-  fmt::print(stderr, "{}{}", kWipeLine, progressText(done, total_, unit_, seconds));
+  if (line_.isDue()) line_.show(progressText(done, total_, unit_, line_.seconds()));
 }
 
 }  // namespace KPF_TOOL

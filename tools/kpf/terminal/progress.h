@@ -2,9 +2,10 @@
 #ifndef KPF_PROGRESS_H
 #define KPF_PROGRESS_H
 
-#include <chrono>
 #include <cstdint>
 #include <string>
+
+#include "tools/kpf/terminal/status_line.h"
 
 namespace KPF_TOOL {
 
@@ -14,27 +15,19 @@ namespace KPF_TOOL {
 std::string progressText(std::uint64_t done, std::uint64_t total, const std::string& unit,
                          double seconds);
 
-/// Rewrites one line on standard error where that is a terminal, and wipes it at the end: scripts
-/// and files never see it.
+/// Shows it on a StatusLine.
 class Progress {
  public:
   /// @param total `unit`s expected, or 0 when nobody knows.
   Progress(bool quiet, std::uint64_t total, const char* unit = "frames");
-  ~Progress();
-  Progress(const Progress&) = delete;
-  Progress& operator=(const Progress&) = delete;
 
   /// To be called often: it writes ten times a second at most.
   void show(std::uint64_t done);
 
  private:
-  using Clock = std::chrono::steady_clock;
-
-  bool visible_;
+  StatusLine line_;
   std::uint64_t total_;
   const char* unit_;
-  Clock::time_point begin_;
-  Clock::time_point shown_;  // when the line was last written
 };
 
 }  // namespace KPF_TOOL

@@ -1,0 +1,32 @@
+// What is told of a live recording when it has ended.
+#ifndef KPF_LIVE_REPORT_H
+#define KPF_LIVE_REPORT_H
+
+#include <string>
+#include <vector>
+
+#include "tools/kpf/commands/record_options.h"
+#include "tools/kpf/recording/clip_files.h"
+#include "tools/kpf/recording/live_recorder.h"
+#include "tools/kpf/terminal/outcome.h"
+
+namespace KPF_TOOL {
+
+struct LiveResult {
+  std::vector<Clip> clips;
+  LiveTally tally;
+  std::string trouble;       // why it ended before anybody wanted it to
+  double drift = 0;          // seconds that the camera's clock lost
+  unsigned clockResets = 0;  // how often it was set back
+  bool clockMissing = false;
+  unsigned mostWaiting = 0;
+  unsigned buffers = 0;
+  double worstCall = 0;  // seconds
+};
+
+/// Prints it.
+Outcome report(const LiveResult& result, const RecordOptions& options);
+
+}  // namespace KPF_TOOL
+
+#endif

@@ -1,0 +1,34 @@
+#include "tools/kpf/terminal/status_line.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <cstdio>
+
+namespace KPF_TOOL {
+namespace {
+
+constexpr auto kInterval = std::chrono::milliseconds(100);
+constexpr const char* kWipeLine = "\r\033[K";  // to the first column, and erase to the end
+
+}  // namespace
+
+StatusLine::StatusLine(bool quiet)
+    : visible_(!quiet && isatty(STDERR_FILENO) != 0), begin_(Clock::now()), shown_(begin_) {}
+
+StatusLine::~StatusLine() {
+  if (visible_) std::fputs(kWipeLine, stderr);
+}
+
+bool StatusLine::isDue() const { return visible_ && Clock::now() - shown_ >= kInterval; }
+
+void StatusLine::show(const std::string& text) {
+  shown_ = Clock::now();
+  fmt::print(stderr, "{}{}", kWipeLine, text);
+}
+
+double StatusLine::seconds() const {
+  return std::chrono::duration<double>(Clock::now() - begin_).count();
+}
+
+}  // namespace KPF_TOOL
