@@ -12,10 +12,10 @@ using AddCommand = void(CLI::App& app, Job& job);
 // A command more is a file in this folder and its name in these two lines; CMakeLists.txt takes
 // every file there is. The order is that of the help.
 AddCommand addRecord, addCameras, addInfo, addVerify, addChecksum, addCut, addExport, addAmplify,
-    addProbe, addSpeed, addSheet;
+    addView, addProbe, addSpeed, addSheet;
 constexpr AddCommand* kCommands[] = {addRecord,   addCameras, addInfo,   addVerify,
                                      addChecksum, addCut,     addExport, addAmplify,
-                                     addProbe,    addSpeed,   addSheet};
+                                     addView,     addProbe,   addSpeed,  addSheet};
 
 }  // namespace KPF_TOOL
 

@@ -1,0 +1,31 @@
+#include "tools/kpf/view/view.h"
+
+#include <fmt/format.h>
+#include <poll.h>
+
+#include <cstdio>
+#include <optional>
+
+#include "tools/kpf/terminal/interrupt.h"
+#include "tools/kpf/view/browser.h"
+#include "tools/kpf/view/page_answer.h"
+#include "tools/kpf/view/server.h"
+
+namespace KPF_TOOL {
+
+Outcome view(const ViewOptions& options) {
+  const Interrupt interrupt;
+  PageAnswer answer(options);
+  const Server server(options.port,
+                      [&answer](const Request& request) { return answer.of(request); });
+  fmt::print("{}\n", server.address());
+  std::fflush(stdout);
+  fmt::print(stderr, "kpf: open this address in a browser; Ctrl-C ends\n");
+  std::optional<Browser> browser;
+  if (!options.noBrowser) browser.emplace(server.address());
+  constexpr int kLook = 200;  // milliseconds, where another thread gets the signal
+  while (!Interrupt::requested()) poll(nullptr, 0, kLook);
+  return Outcome::kDone;
+}
+
+}  // namespace KPF_TOOL
