@@ -6,7 +6,7 @@ import subprocess
 import time
 import unittest
 
-from recordings import KPF, Terminal
+from recordings import KPF, Terminal, header, record
 from videos import FFPROBE, VideoTest, y4m
 
 
@@ -212,6 +212,45 @@ class Amplify(VideoTest):
                                  "they should be bright; with --gain 3 none would\n"))
         self.assertEqual(self.kpf(*common, "--gain", "3"), (0, "", ""))
         self.assertEqual(self.kpf(*common, "--gain", "4", "--quiet"), (0, "", ""))
+
+    def holes(self, frames, lost):
+        """holes.kpf with placeholders where frames were lost, and whole.y4m without those."""
+        self.write("holes.kpf", header(width=6, frames=len(frames), height=4))
+        os.mkdir(self.path("holes"))
+        self.write("holes/holes_0001.div", b"".join(
+            bytes(40) if n in lost else record(n, bytes(frame)) for n, frame in enumerate(frames)))
+        self.write("whole.y4m", y4m([frame for n, frame in enumerate(frames) if n not in lost], 6, 4))
+
+    def test_amplifier_never_sees_lost_frames(self):
+        frames = [[(n * 37 + i * 11) % 256 for i in range(24)] for n in range(14)]
+        lost = (3, 8, 9)
+        self.holes(frames, lost)
+        whole = self.raw("whole.y4m", "-", "--frequency", "12")
+        done = self.kpf_bytes("amplify", "holes.kpf", "-", "--frequency", "12", "--quiet", "--lost",
+                              "repeat")
+        self.assertEqual((done.returncode, done.stderr),
+                         (0, b"kpf: holes.kpf: 3 of 14 frames were lost (3, 8-9), the frame before "
+                             b"is shown instead\n"))
+        shown = [done.stdout[24 * n:24 * n + 24] for n in range(14)]
+        self.assertEqual(b"".join(p for n, p in enumerate(shown) if n not in lost), whole)
+        for n in lost:
+            self.assertEqual(shown[n], shown[n - 1], n)
+
+    def test_range_behind_lost_frames_is_amplified_as_in_the_whole(self):
+        frames = [[(n * 37 + i * 11) % 256 for i in range(24)] for n in range(14)]
+        self.holes(frames, (3, 8, 9))
+        common = ("holes.kpf", "-", "--frequency", "12", "--quiet", "--lost", "skip")
+        whole = self.kpf_bytes("amplify", *common).stdout
+        part = self.kpf_bytes("amplify", *common, "--from", "10", "--to", "11")
+        self.assertEqual(part.stdout, whole[24 * 7:24 * 9])
+        self.assertEqual((part.returncode, part.stderr), (0, b""))
+
+    def test_lost_frames_fill_no_window(self):
+        self.holes([[n] * 24 for n in range(6)], (1, 3))
+        code, _, err = self.kpf("amplify", "holes.kpf", "out.mkv", "--frequency", "12")
+        self.assertEqual(code, 1)
+        self.assertIn("the window needs 5 frames, and there are 4", err)
+        self.assertNotIn("out.mkv", os.listdir(self.folder))
 
     def test_made_scene_shows_its_motion_only_when_amplified(self):
         subprocess.run([os.environ["MAKE_SCENE"], "scene.y4m"], cwd=self.folder, check=True)

@@ -5,7 +5,7 @@ import struct
 import subprocess
 import unittest
 
-from recordings import KPF, Terminal
+from recordings import KPF, Terminal, header, record
 from videos import FFPROBE, VideoTest, y4m
 
 
@@ -118,8 +118,8 @@ class Export(VideoTest):
         self.record("long.y4m", "long.kpf", "--quiet")
         data = self.read("long/long_0001.div")
         with open(self.path("long/long_0001.div"), "r+b") as file:
-            file.write(data)
-            file.truncate(frames * len(data) // 10)
+            for _ in range(frames // 10):
+                file.write(data)
         self.patch("long.kpf", 468, struct.pack("<I", frames))
 
     def test_progress_on_a_terminal(self):
@@ -164,6 +164,75 @@ class Export(VideoTest):
                          (1, b"kpf: eight.kpf: the recording ends after 3 of 5 announced frames\n"))
         self.assertEqual(done.stdout, b"".join(map(bytes, self.eight[:3])))
 
+    def holes(self):
+        """Eight frames of one grey level each, 2, 5 and 6 lost; the recording is complete."""
+        levels = [10, 20, None, 40, 50, None, None, 80]
+        self.write("holes.kpf", header(frames=8))
+        os.mkdir(self.path("holes"))
+        self.write("holes/holes_0001.div", b"".join(
+            bytes(24) if level is None else record(n, bytes([level]) * 8)
+            for n, level in enumerate(levels)))
+
+    def told(self, shown, listed=None, frames=8, count=3, which="2, 5-6"):
+        were = "was" if count == 1 else "were"
+        return "kpf: holes.kpf: %d of %d frames %s lost (%s), %s%s\n" % (
+            count, frames, were, which, shown, "; %s lists them" % listed if listed else "")
+
+    def test_lost_frames_are_shown_as_the_user_wants(self):
+        self.holes()
+        for how, shown, expected in (
+                ((), "black is shown instead", [10, 20, 0, 40, 50, 0, 0, 80]),
+                (("--lost", "black"), "black is shown instead", [10, 20, 0, 40, 50, 0, 0, 80]),
+                (("--lost", "repeat"), "the frame before is shown instead",
+                 [10, 20, 20, 40, 50, 50, 50, 80]),
+                (("--lost", "skip"), "nothing is shown instead", [10, 20, 40, 50, 80])):
+            done = self.kpf_bytes("export", "holes.kpf", "-", *how)
+            self.assertEqual((done.returncode, done.stderr.decode()), (0, self.told(shown)), how)
+            self.assertEqual(done.stdout, b"".join(bytes([level]) * 8 for level in expected), how)
+
+    def test_videos_repeat_what_was_lost_and_a_list_tells_it(self):
+        self.holes()
+        done = self.kpf("export", "holes.kpf", "out.mkv")
+        self.assertEqual(done, (0, "", self.told("the frame before is shown instead",
+                                                 "out.mkv.lost.txt")))
+        self.assertEqual(self.read("out.mkv.lost.txt"), b"2\n5-6\n")
+        self.record("out.mkv", "again.kpf", "--quiet")
+        data = self.read("again/again_0001.div")
+        self.assertEqual([data[24 * n + 16] for n in range(8)], [10, 20, 20, 40, 50, 50, 50, 80])
+
+    def test_range_that_begins_with_a_lost_frame_repeats_the_one_before_it(self):
+        self.holes()
+        done = self.kpf_bytes("export", "holes.kpf", "-", "--from", "6", "--lost", "repeat")
+        self.assertEqual(done.stdout, bytes([50]) * 8 + bytes([80]) * 8)
+        self.assertEqual(done.stderr.decode(), self.told("the frame before is shown instead", None,
+                                                         2, 1, "6"))
+
+    def test_images_keep_their_numbers_where_frames_are_left_out(self):
+        self.holes()
+        code, _, err = self.kpf("export", "holes.kpf", "i_%02d.png", "--lost", "skip")
+        self.assertEqual((code, err), (0, self.told("nothing is shown instead",
+                                                    "i_%02d.png.lost.txt")))
+        self.assertEqual(sorted(name for name in os.listdir(self.folder) if name[:2] == "i_"),
+                         ["i_%02d.png.lost.txt"] + ["i_%02d.png" % n for n in (0, 1, 3, 4, 7)])
+
+    def test_list_of_an_older_export_is_in_the_way_or_goes(self):
+        self.holes()
+        self.write("eight.mkv.lost.txt", b"1\n")
+        code, _, err = self.kpf("export", "eight.kpf", "eight.mkv")
+        self.assertEqual(code, 2)
+        self.assertIn("eight.mkv.lost.txt is there already", err)
+        self.assertFalse(os.path.exists(self.path("eight.mkv")))
+        self.export("eight.kpf", "eight.mkv", "--force")
+        self.assertFalse(os.path.exists(self.path("eight.mkv.lost.txt")))
+
+    def test_nothing_but_lost_frames_is_no_video(self):
+        self.holes()
+        code, _, err = self.kpf("export", "holes.kpf", "out.mkv", "--from", "5", "--to", "6",
+                                "--lost", "skip")
+        self.assertEqual(code, 2)
+        self.assertIn("holds no such frames: all of them were lost", err)
+        self.assertFalse(os.path.exists(self.path("out.mkv")))
+
     def test_bad_arguments(self):
         for what, arguments in (
                 ("missing.kpf", ("missing.kpf", "-")),
@@ -171,6 +240,7 @@ class Export(VideoTest):
                 ("no such frames", ("eight.kpf", "-", "--from", "3", "--to", "2")),
                 ("do not go into one image", ("eight.kpf", "one.png")),
                 ("no extension that is known", ("eight.kpf", "out.xyz")),
+                ("--lost", ("eight.kpf", "-", "--lost", "grey")),
                 ("--from", ("eight.kpf", "-", "--from", "x"))):
             code, out, err = self.kpf("export", *arguments)
             self.assertEqual((code, out), (2, ""), arguments)

@@ -28,9 +28,14 @@ class Places(RecordingTest):
         self.assertEqual(len(done.stdout) % 8, 0)
         return list(done.stdout[::8])
 
+    @staticmethod
+    def lost(how_many, which):
+        return b"kpf: clip.kpf: %s lost (%s), black is shown instead\n" % (how_many, which)
+
     def test_missing_data_file_keeps_its_places(self):
         self.lose_the_second_file()
-        frames = self.frames(code=1, err=b"kpf: clip.kpf: 2 frames are missing, the first is 2\n")
+        frames = self.frames(code=1, err=self.lost(b"2 of 6 frames were", b"2-3") +
+                             b"kpf: clip.kpf: 2 frames are missing, the first is 2\n")
         self.assertEqual(len(frames), 6)
         self.assertEqual(frames[:2] + frames[4:], [1, 2, 5, 6])
 
@@ -42,8 +47,8 @@ class Places(RecordingTest):
 
     def test_ranges_that_begin_in_a_hole(self):
         self.lose_the_second_file()
-        frames = self.frames("--from", "3", code=1,
-                             err=b"kpf: clip.kpf: 1 frame is missing, the first is 3\n")
+        frames = self.frames("--from", "3", code=1, err=self.lost(b"1 of 3 frames was", b"3") +
+                             b"kpf: clip.kpf: 1 frame is missing, the first is 3\n")
         self.assertEqual((len(frames), frames[1:]), (3, [5, 6]))
 
     def test_images_bear_their_places(self):
@@ -54,7 +59,8 @@ class Places(RecordingTest):
 
     def test_short_data_file_moves_nothing(self):
         self.cut("clip/clip_0002.div", 24 + 9)
-        frames = self.frames(code=1, err=b"kpf: clip.kpf: 1 frame is missing, the first is 3\n")
+        frames = self.frames(code=1, err=self.lost(b"1 of 6 frames was", b"3") +
+                             b"kpf: clip.kpf: 1 frame is missing, the first is 3\n")
         self.assertEqual((len(frames), frames[:3] + frames[4:]), (6, [1, 2, 3, 5, 6]))
 
     def test_recording_that_ends_early(self):
@@ -65,13 +71,16 @@ class Places(RecordingTest):
         self.assertEqual(self.frames("--to", "3"), [1, 2, 3, 4])
 
     def test_amplified_frames_keep_their_places(self):
+        self.write("clip.kpf", header(per_file=2, frames=8))
+        self.write("clip/clip_0004.div", self.record(6) + self.record(7))
         self.lose_the_second_file()
         arguments = ("--gain", "0", "--frequency", "12.5")
         line = b"kpf: clip.kpf: 2 frames are missing, the first is 2\n"
-        frames = self.frames(*arguments, command="amplify", code=1, err=line)
-        self.assertEqual((len(frames), frames[:2] + frames[4:]), (6, [1, 2, 5, 6]))
-        self.assertEqual(self.frames("--from", "4", *arguments, command="amplify", code=1,
-                                     err=line), [5, 6])
+        frames = self.frames(*arguments, command="amplify", code=1,
+                             err=self.lost(b"2 of 8 frames were", b"2-3") + line)
+        self.assertEqual((len(frames), frames[:2] + frames[4:]), (8, [1, 2, 5, 6, 7, 8]))
+        self.assertEqual(self.frames("--from", "6", *arguments, command="amplify", code=1,
+                                     err=line), [7, 8])
 
     def test_file_that_shrinks_while_it_is_read(self):
         self.write("clip.kpf", header(width=64, height=64, frames=2000))
@@ -83,7 +92,7 @@ class Places(RecordingTest):
             self.cut("clip/clip_0001.div", 10 * 4112)
             rest, err = process.communicate(timeout=60)
         self.assertEqual(process.returncode, 1)
-        self.assertRegex(err, rb"^kpf: clip.kpf: \d+ frames are unreadable \(clip/clip_0001.div, "
+        self.assertRegex(err, rb"\nkpf: clip.kpf: \d+ frames are unreadable \(clip/clip_0001.div, "
                               rb"byte \d+: the file has become shorter\)\n$")
         self.assertEqual(len(first + rest), 2000 * 4096)
         self.assertEqual(first, b"\x07" * 4096)

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <limits>
@@ -13,10 +14,14 @@
 
 #include "tools/kpf/analysis/clean_amplifier.h"
 #include "tools/kpf/commands/commands.h"
+#include "tools/kpf/commands/lost_list.h"
 #include "tools/kpf/commands/open.h"
 #include "tools/kpf/frames/amplifier.h"
 #include "tools/kpf/frames/comparison.h"
+#include "tools/kpf/frames/frames_before.h"
+#include "tools/kpf/frames/lost_frames.h"
 #include "tools/kpf/frames/motion_limits.h"
+#include "tools/kpf/frames/recorded_frames.h"
 #include "tools/kpf/terminal/captured_output.h"
 #include "tools/kpf/terminal/interrupt.h"
 #include "tools/kpf/terminal/progress.h"
@@ -41,6 +46,7 @@ struct AmplifyOptions {
   bool clean = false;    // the second way, see CleanAmplifier
   FrameRange range;
   bool y4m = false;    // in a pipe
+  std::string lost;    // see lostShownFor
   bool force = false;  // replace files that are there
   bool quiet = false;
 };
@@ -86,7 +92,10 @@ class AmplifyRun {
                     static_cast<int>(source.height()), options.gain}),
         clean_(amplifier_.windowSize(), options.gain),
         wrapping_(options.gain),
-        frame_(source.frameSize()) {
+        lost_(lostShownFor(options.lost, options.output == "-" && !options.y4m)),
+        frame_(source.frameSize()),
+        reference_(source.frameSize()),
+        amplified_(source.frameSize()) {
     if (source.frameCount() > 0) checkWindow(lastOf(source.frameCount()) + 1, Outcome::kWrongUsage);
     PictureFormat format{source.width(),        source.height(), Samples::k8Bit, rate_,
                          options.range.first(), frames_,         options.y4m};
@@ -97,33 +106,37 @@ class AmplifyRun {
       format.width = comparison_->width();
       format.height = comparison_->height();
     }
-    output_ = openOutput({options.output, options.force, filesRead(options.input)}, format);
+    const Destination destination{options.output, options.force, filesRead(options.input)};
+    list_.emplace(destination);
+    output_ = openOutput(destination, format);
+    pictureSize_ = format.rowSize() * format.height;
   }
 
   /// @return frames written.
   std::uint64_t run() {
     remark(options_.quiet, output_->remark());
     Progress progress(options_.quiet, frames_.value_or(0));
-    // The window is filled from the frames before the first one that is asked for.
-    const std::uint64_t first = options_.range.first();
-    std::uint64_t number = first - std::min(first, amplifier_.fillingFrames());
+    std::uint64_t number = start();
     source_.skip(number);
+    std::uint64_t amplified = number;  // as many as fill a window, were there frames before
     std::uint64_t shown = 0;
     for (; !Interrupt::requested() && !options_.range.endsBefore(number) && source_.next();
          ++number) {
-      source_.copyTo(frame_.data(), source_.rowSize());
-      amplify();
-      if (!options_.range.holds(number)) continue;
-      output_->add(picture());
-      progress.show(++shown);
+      // The amplifier never sees black that nobody saw: one of them would brighten its window.
+      if (!source_.lost()) {
+        add();
+        ++amplified;
+      }
+      if (options_.range.holds(number) && show(number)) progress.show(++shown);
     }
     // Nothing is replaced by a video without frames, or by one that is only copied.
     if (shown == 0) return 0;
     if (!Interrupt::requested()) {
-      checkWindow(number, Outcome::kCutShort);
+      checkWindow(amplified, Outcome::kCutShort);
       end_ = number;
     }
     output_->finish();
+    list_->finish(lost_, options_.input, number - options_.range.first());
     return shown;
   }
 
@@ -139,7 +152,8 @@ class AmplifyRun {
   }
 
   /// The present frame, in the way that was asked for.
-  void amplify() {
+  void add() {
+    source_.copyTo(frame_.data(), source_.rowSize());
     amplifier_.add(frame_);
     reference_ = amplifier_.reference();
     amplified_ = amplifier_.amplified();
@@ -162,6 +176,22 @@ class AmplifyRun {
     if (answer) throw ToolError(outcome, answer->problem, answer->advice);
   }
 
+  /// The window is filled from the frames before the first one that is asked for.
+  std::uint64_t start() const {
+    const std::uint64_t first = options_.range.first();
+    const std::uint64_t before = amplifier_.fillingFrames();
+    if (!isRecording(options_.input)) return first - std::min(first, before);
+    const auto source = openRecording(options_.input, Samples::k8Bit);
+    return startOfFramesBefore(*source, first, before);
+  }
+
+  /// @return whether there is something to show for the present frame.
+  bool show(std::uint64_t number) {
+    if (source_.lost()) return lost_.add(number, *output_, picture(), pictureSize_);
+    output_->add(picture());
+    return true;
+  }
+
   const unsigned char* picture() {
     if (!comparison_) return amplified_.data();
     return comparison_->of({frame_.data(), reference_.data(), amplified_.data()});
@@ -174,10 +204,13 @@ class AmplifyRun {
   Amplifier amplifier_;
   CleanAmplifier clean_;
   Wrapping wrapping_;
+  LostFrames lost_;
   std::optional<std::uint64_t> end_;  // the number behind the last frame, once that is known
   std::vector<unsigned char> frame_, reference_, amplified_;
   std::optional<Comparison> comparison_;  // nothing where only the amplified frame is wanted
+  std::optional<LostList> list_;
   std::unique_ptr<PictureOutput> output_;
+  std::size_t pictureSize_ = 0;
 };
 
 Outcome runAmplify(const AmplifyOptions& options) {
@@ -214,6 +247,7 @@ void addAmplify(CLI::App& app, Job& job) {
   line.add_flag("--clean", options.clean, "only what moves: darker counts too, nothing wraps");
   addRange(line, options.range);
   addY4m(line, options.y4m);
+  addLost(line, options.lost);
   line.add_flag("--force", options.force, "replace files that are there");
   line.add_flag("--quiet", options.quiet, "no progress");
   addFooter(line, "kpf amplify clip.kpf moving.mp4 --frequency 5 --gain 8 --compare",

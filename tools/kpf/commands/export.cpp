@@ -8,7 +8,10 @@
 #include <vector>
 
 #include "tools/kpf/commands/commands.h"
+#include "tools/kpf/commands/lost_list.h"
 #include "tools/kpf/commands/open.h"
+#include "tools/kpf/frames/frames_before.h"
+#include "tools/kpf/frames/lost_frames.h"
 #include "tools/kpf/frames/recorded_frames.h"
 #include "tools/kpf/terminal/interrupt.h"
 #include "tools/kpf/terminal/progress.h"
@@ -23,43 +26,86 @@ struct ExportOptions {
   std::string output;  // see openOutput
   FrameRange range;
   bool y4m = false;    // in a pipe
+  std::string lost;    // see lostShownFor
   bool force = false;  // replace files that are there
   bool quiet = false;
 };
 
-std::unique_ptr<PictureOutput> openOutputFor(const FrameSource& source, std::uint64_t frames,
-                                             const ExportOptions& options) {
+PictureFormat formatOf(const FrameSource& source, std::uint64_t frames,
+                       const ExportOptions& options) {
   const double rate = source.frameRate() > 0 ? source.frameRate() : kRateOfNone;
-  return openOutput({options.output, options.force, filesOfRecording(options.file)},
-                    {source.width(), source.height(), source.samples(), rate, options.range.first(),
-                     frames, options.y4m});
+  return {source.width(),        source.height(), source.samples(), rate,
+          options.range.first(), frames,          options.y4m};
 }
 
-/// @return how many of `frames` frames went out before the user wanted to stop.
-std::uint64_t copyFrames(FrameSource& source, PictureOutput& output, const ExportOptions& options,
-                         std::uint64_t frames) {
-  std::vector<unsigned char> rows(source.frameSize());
-  source.skip(options.range.first());
-  Progress progress(options.quiet, frames);
-  std::uint64_t done = 0;
-  while (done < frames && !Interrupt::requested() && source.next()) {
-    source.copyTo(rows.data(), source.rowSize());
-    output.add(rows.data());
-    progress.show(++done);
+/// The frames on their way out, and what is shown for those that were lost.
+class Copy {
+ public:
+  Copy(FrameSource& source, PictureOutput& output, const ExportOptions& options)
+      : source_(source),
+        output_(output),
+        options_(options),
+        lost_(lostShownFor(options.lost, options.output == "-" && !options.y4m)) {}
+
+  /// @return how many of `frames` frames were gone through before the user wanted to stop.
+  std::uint64_t run(std::uint64_t frames) {
+    const std::uint64_t first = options_.range.first();
+    source_.skip(first);
+    Progress progress(options_.quiet, frames);
+    std::uint64_t done = 0;
+    for (; done < frames && !Interrupt::requested() && source_.next(); progress.show(++done)) {
+      if (source_.lost()) {
+        addLost(first + done);
+      } else {
+        add();
+      }
+    }
+    // Also after an interruption: what is there can be played.
+    if (shown_) output_.finish();
+    return done;
   }
-  // Also after an interruption: what is there can be played.
-  if (done > 0) output.finish();
-  return done;
-}
+
+  const LostFrames& lost() const { return lost_; }
+  bool anyShown() const { return shown_; }
+
+ private:
+  void add() {
+    // Only now that a frame is there: a header alone may claim any size.
+    rows_.resize(source_.frameSize());
+    source_.copyTo(rows_.data(), source_.rowSize());
+    output_.add(rows_.data());
+    shown_ = true;
+  }
+
+  void addLost(std::uint64_t number) {
+    if (rows_.empty()) {
+      const auto source = openRecording(options_.file, source_.samples());
+      rows_ = frameBefore(*source, number);
+    }
+    shown_ = lost_.add(number, output_, rows_.data(), rows_.size()) || shown_;
+  }
+
+  FrameSource& source_;
+  PictureOutput& output_;
+  const ExportOptions& options_;
+  LostFrames lost_;
+  std::vector<unsigned char> rows_;  // of the last frame that was there
+  bool shown_ = false;
+};
 
 Outcome runExport(const ExportOptions& options) {
   const Interrupt interrupt;
   const auto source = openRecordedFrames(options.file, samplesOf(options.file));
   const std::uint64_t frames = framesAskedFor(*source, options.range, options.file).value();
-  const auto output = openOutputFor(*source, frames, options);
+  const Destination destination{options.output, options.force, filesOfRecording(options.file)};
+  const LostList list(destination);
+  const auto output = openOutput(destination, formatOf(*source, frames, options));
   remark(options.quiet, beyondEnd(options.range, source->frameCount()));
   remark(options.quiet, output->remark());
-  const std::uint64_t done = copyFrames(*source, *output, options, frames);
+  Copy copy(*source, *output, options);
+  const std::uint64_t done = copy.run(frames);
+  list.finish(copy.lost(), options.file, done);
+  if (!copy.anyShown() && done > 0) throw noSuchFrames(options.file, "all of them were lost");
   if (done == frames) return endOf(*source, options.file);
   fmt::print(stderr, "kpf: {} of {} frames exported: interrupted\n", done, frames);
   return Outcome::kCutShort;
@@ -75,7 +121,7 @@ void addExport(CLI::App& app, Job& job) {
                   ".mkv lossless, .mp4 for viewing, frame_%06d.png or .tif, - raw")
       ->required();
   addRange(line, options.range);
-  addY4m(line, options.y4m);
+  addLost(line, options.lost);
   line.add_flag("--force", options.force, "replace files that are there");
   line.add_flag("--quiet", options.quiet, "no progress");
   addFooter(line, "kpf export clip.kpf frame_%06d.tif --from 100 --to 199",

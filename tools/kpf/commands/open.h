@@ -16,8 +16,11 @@
 
 namespace KPF_TOOL {
 
-/// A recording, when the name ends in .kpf (in any case), else whatever FFmpeg opens. Of 12-bit
-/// recordings the 8-bit samples are the high bytes. @throws ToolError, KPF_READER::RecordingError.
+/// Whether a name stands for a recording: it ends in .kpf, in any case.
+bool isRecording(const std::string& name);
+
+/// A recording, or whatever FFmpeg opens. Of 12-bit recordings the 8-bit samples are the high
+/// bytes. @throws ToolError, KPF_READER::RecordingError.
 std::unique_ptr<FrameSource> openFrames(const std::string& name, Samples samples);
 
 /// A recording, whatever its name ends in, with a frame at least. @throws as openFrames does.

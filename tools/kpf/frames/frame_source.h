@@ -50,6 +50,10 @@ class FrameSource {
   /// Passes over `frames` frames, those behind the end included.
   virtual void skip(std::uint64_t frames) = 0;
 
+  /// Goes back to the frame before the present one; false at the first, and in sources that only
+  /// go on.
+  virtual bool back() { return false; }
+
   /// Whether the present frame was lost: it keeps its place, and its samples are 0.
   virtual bool lost() const { return false; }
 

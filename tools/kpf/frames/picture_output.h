@@ -34,6 +34,9 @@ class PictureOutput {
   /// @throws ToolError when it cannot be written.
   virtual void add(const unsigned char* rows) = 0;
 
+  /// No picture where there might be one: images have numbers, which go on.
+  virtual void pass() {}
+
   /// What the user should know of the pictures before they are made; mostly nothing.
   virtual std::string remark() const { return ""; }
 

@@ -79,6 +79,12 @@ class RecordedFrames : public FrameSource {
 
   void skip(std::uint64_t frames) override { next_ += frames; }
 
+  bool back() override {
+    if (next_ < 2) return false;
+    next_ -= 2;
+    return next();
+  }
+
  private:
   /// What is stored a byte a pixel needs no detour over 16 bits.
   void copyPixels(unsigned char* out, std::size_t stride) const {

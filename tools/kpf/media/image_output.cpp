@@ -2,10 +2,8 @@
 
 #include <fmt/format.h>
 
-#include <cerrno>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <memory>
 #include <optional>
 #include <string>
@@ -53,6 +51,8 @@ class ImageOutput : public PictureOutput {
     encoder_.encode(rows, [this](AVPacket& packet) { write(packet); });
   }
 
+  void pass() override { ++number_; }
+
   void finish() override {
     encoder_.finish([this](AVPacket& packet) { write(packet); });
     // One image waits for the end: there may be a second frame, for which it has no room.
@@ -73,11 +73,7 @@ class ImageOutput : public PictureOutput {
   void write(const AVPacket& packet) {
     const std::string name = pattern_ ? pattern_->nameOf(number_++) : destination_.name;
     image_.emplace(name, destination_);
-    std::FILE* const file = std::fopen(image_->path().c_str(), "wb");
-    const auto size = static_cast<std::size_t>(packet.size);
-    const bool written = file != nullptr && std::fwrite(packet.data, 1, size, file) == size;
-    const bool closed = file != nullptr && std::fclose(file) == 0;
-    if (!written || !closed) throw cannotWrite(name, AVERROR(errno));
+    image_->write(packet.data, static_cast<std::size_t>(packet.size));
     if (!pattern_) return;
     image_->commit();
     image_.reset();
