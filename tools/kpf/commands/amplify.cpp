@@ -25,16 +25,14 @@
 #include "tools/kpf/terminal/captured_output.h"
 #include "tools/kpf/terminal/interrupt.h"
 #include "tools/kpf/terminal/progress.h"
+#include "tools/kpf/terminal/text.h"
 #include "tools/kpf/terminal/tool_error.h"
 
 namespace KPF_TOOL {
 namespace {
 
-// Differences of 1 wrap above the first, and FFmpeg holds no rate that is far beyond the others.
-constexpr double kHighestGain = 255;
-constexpr double kLowestRate = 0.001;
+constexpr double kHighestGain = 255;  // differences of 1 wrap above it
 constexpr double kLowestFrequency = 0.0001;
-constexpr double kHighestRate = 1000000;
 
 struct AmplifyOptions {
   std::string input;     // a recording, or whatever FFmpeg opens
@@ -55,8 +53,15 @@ struct AmplifyOptions {
 double checkedRate(const FrameSource& source, const AmplifyOptions& options) {
   const double rate = options.rate > 0 ? options.rate : source.frameRate();
   if (rate <= 0) {
-    throw ToolError(Outcome::kWrongUsage, fmt::format("{} tells no frame rate", options.input),
+    throw ToolError(Outcome::kWrongUsage,
+                    fmt::format("{} tells no frame rate", escaped(options.input)),
                     "Give one with --rate.");
+  }
+  if (!isShowableRate(rate)) {
+    throw ToolError(
+        Outcome::kWrongUsage,
+        fmt::format("{} tells an impossible frame rate: {:g}", escaped(options.input), rate),
+        "Give the true one with --rate.");
   }
   if (options.frequency * 2 > rate) {
     throw ToolError(

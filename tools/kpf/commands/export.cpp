@@ -15,6 +15,7 @@
 #include "tools/kpf/frames/recorded_frames.h"
 #include "tools/kpf/terminal/interrupt.h"
 #include "tools/kpf/terminal/progress.h"
+#include "tools/kpf/terminal/text.h"
 
 namespace KPF_TOOL {
 namespace {
@@ -33,9 +34,17 @@ struct ExportOptions {
 
 PictureFormat formatOf(const FrameSource& source, std::uint64_t frames,
                        const ExportOptions& options) {
-  const double rate = source.frameRate() > 0 ? source.frameRate() : kRateOfNone;
+  const double rate = isShowableRate(source.frameRate()) ? source.frameRate() : kRateOfNone;
   return {source.width(),        source.height(), source.samples(), rate,
           options.range.first(), frames,          options.y4m};
+}
+
+/// What to say of a frame rate that no video holds. Pipes and images have none anyway.
+std::string rateRemark(const FrameSource& source, const ExportOptions& options) {
+  const double rate = source.frameRate();
+  if (rate == 0 || isShowableRate(rate) || (options.output == "-" && !options.y4m)) return "";
+  return fmt::format("{} tells an impossible frame rate: {:g}; {:g} is taken",
+                     escaped(options.file), rate, kRateOfNone);
 }
 
 /// The frames on their way out, and what is shown for those that were lost.
@@ -102,10 +111,11 @@ Outcome runExport(const ExportOptions& options) {
   const auto output = openOutput(destination, formatOf(*source, frames, options));
   remark(options.quiet, beyondEnd(options.range, source->frameCount()));
   remark(options.quiet, output->remark());
+  remark(options.quiet, rateRemark(*source, options));
   Copy copy(*source, *output, options);
   const std::uint64_t done = copy.run(frames);
-  list.finish(copy.lost(), options.file, done);
   if (!copy.anyShown() && done > 0) throw noSuchFrames(options.file, "all of them were lost");
+  list.finish(copy.lost(), options.file, done);
   if (done == frames) return endOf(*source, options.file);
   fmt::print(stderr, "kpf: {} of {} frames exported: interrupted\n", done, frames);
   return Outcome::kCutShort;

@@ -22,10 +22,9 @@ LostList::LostList(const Destination& output) : list_(output) {
 void LostList::finish(const LostFrames& lost, const std::string& input,
                       std::uint64_t frames) const {
   if (lost.count() > 0) {
-    std::string line =
-        fmt::format("{}: {} of {} {} lost ({}), {}", escaped(input), lost.count(),
-                    countText(frames, "frame"), lost.count() == 1 ? "was" : "were", lost.text(),
-                    lost.shownText());
+    std::string line = fmt::format("{}: {} of {} {} lost ({}), {}", escaped(input), lost.count(),
+                                   countText(frames, "frame"), lost.count() == 1 ? "was" : "were",
+                                   lost.text(), lost.shownText());
     if (!list_.name.empty()) line += fmt::format("; {} lists them", escaped(list_.name));
     fmt::print(stderr, "kpf: {}\n", line);
   }

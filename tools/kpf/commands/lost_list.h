@@ -14,8 +14,8 @@ namespace KPF_TOOL {
 /// --lost.
 void addLost(CLI::App& line, std::string& lost);
 
-/// Tells which of the pictures are no frames of the recording: in a line, and in a file beside them,
-/// since they look like any other. Raw frames in a pipe have no such file.
+/// Tells which of the pictures are no frames of the recording: in a line, and in a file beside
+/// them, since they look like any other. Raw frames in a pipe have no such file.
 class LostList {
  public:
   /// @param output where the pictures go. @throws ToolError when a list is in the way.

@@ -11,6 +11,13 @@
 
 namespace KPF_TOOL {
 
+// Frames per second that videos hold and amplifiers go by. Headers of recordings may tell others.
+constexpr double kLowestRate = 0.001;
+constexpr double kHighestRate = 1000000;
+
+/// Whether `rate` is one of them; NaN is none.
+constexpr bool isShowableRate(double rate) { return rate >= kLowestRate && rate <= kHighestRate; }
+
 /// What the frames are, how many will come, and from which number images are counted.
 struct PictureFormat {
   unsigned width = 0;
