@@ -245,6 +245,20 @@ class Amplify(VideoTest):
         self.assertEqual(part.stdout, whole[24 * 7:24 * 9])
         self.assertEqual((part.returncode, part.stderr), (0, b""))
 
+    def test_damaged_frames_of_a_video_are_lost_ones(self):
+        frames = [[(n * 37 + i * 11) % 256 for i in range(24)] for n in range(9)]
+        self.write("all.y4m", y4m(frames, 6, 4))
+        self.record("all.y4m", "all.kpf", "--quiet")
+        self.assertEqual(self.kpf("export", "all.kpf", "i_%02d.png")[0], 0)
+        self.patch("i_06.png", 45, b"\xff\xff\xff\xff")  # in the compressed rows
+        self.holes(frames, (6,))
+        done = self.kpf_bytes("amplify", "i_%02d.png", "-", "--frequency", "12", "--quiet")
+        self.assertEqual(done.returncode, 1)
+        self.assertEqual(done.stderr, b"kpf: i_%02d.png: 1 of 9 frames was lost (6), black is shown "
+                                      b"instead\nkpf: i_%02d.png: 1 frame is damaged\n")
+        whole = self.raw("whole.y4m", "-", "--frequency", "12")
+        self.assertEqual(done.stdout[:24 * 6] + done.stdout[24 * 7:], whole)
+
     def test_lost_frames_fill_no_window(self):
         self.holes([[n] * 24 for n in range(6)], (1, 3))
         code, _, err = self.kpf("amplify", "holes.kpf", "out.mkv", "--frequency", "12")

@@ -35,6 +35,8 @@ class MediaInput : public FrameSource {
   bool isDamaged() const override { return decoder_.isDamaged(); }
   std::vector<std::string> remarks() const override { return file_.remarks(); }
   std::string trouble() const override { return file_.trouble(); }
+  bool lost() const override { return isDamaged(); }
+  std::string flaw() const override;
   std::optional<double> time() const override;
   void copyTo(unsigned char* out, std::size_t stride) override;
   void skip(std::uint64_t frames) override;
@@ -47,6 +49,7 @@ class MediaInput : public FrameSource {
   MediaFile file_;
   Decoder decoder_;
   GreyPicture grey_;
+  std::uint64_t damaged_ = 0;  // frames so far
   unsigned width_;
   unsigned height_;
 };
@@ -68,12 +71,20 @@ MediaInput::MediaInput(const std::string& name, Samples samples, const MediaHint
 
 bool MediaInput::next() {
   if (!decoder_.next()) return false;
+  if (isDamaged()) ++damaged_;
   const AVFrame& frame = decoder_.frame();
   if (isDamaged() || hasSize(frame)) return true;
   throw ToolError(Outcome::kCutShort,
                   fmt::format("{} changes its size from {} x {} to {} x {} pixels", escaped(name_),
                               width_, height_, frame.width, frame.height),
                   "Cut the source where its size changes, and record the pieces.");
+}
+
+std::string MediaInput::flaw() const {
+  if (damaged_ == 0) return trouble();
+  const std::string damage =
+      fmt::format("{} {} damaged", countText(damaged_, "frame"), damaged_ == 1 ? "is" : "are");
+  return trouble().empty() ? damage : damage + ", " + trouble();
 }
 
 bool MediaInput::hasSize(const AVFrame& frame) const {
