@@ -6,6 +6,7 @@ import pytest
 import recordings
 
 import kpf
+from kpf._buffers import Buffers
 
 
 def mapped(path):
@@ -77,6 +78,16 @@ def test_unpacked_frames_that_are_kept_keep_their_pixels(tmp_path):
     rows = [frame[0] for frame in rec]  # views of frames that nobody else keeps
     assert [int(frame[1, 1]) for frame in kept] == [16 * n for n in range(20)]
     assert [int(row[0]) for row in rows] == [16 * n for n in range(20)]
+
+
+@pytest.mark.parametrize("shape", [(2, 4), (1024, 1280)])
+def test_a_view_keeps_the_memory_of_its_frame(shape):
+    buffers = Buffers(shape, np.uint16)
+    row = buffers.take()[0]
+    row[:] = 7
+    for _ in range(5):
+        buffers.take()[:] = 1
+    assert (row == 7).all()
 
 
 def test_unpacked_frames_that_nobody_keeps_share_memory(tmp_path):
