@@ -40,7 +40,11 @@ class Pictures:
 
     @cached_property
     def table(self) -> Table:
-        return Table(self.reader)
+        """Read without reading ahead, which would bring in all the pixels in between."""
+        sparse = Reader(self.reader.path, ACCESS["sparse"])
+        if sparse.identity != self.reader.identity:
+            raise errors.FormatError(f"{sparse.path}: another recording is there now; open it anew")
+        return Table(sparse, self.reader.info.frame_count)
 
     def read(self, place: int, out: Array | None = None) -> Array:
         """One frame; of 12 bits in `out`, where given and the frame has pixels."""

@@ -17,8 +17,7 @@ _MOST_SECONDS = 2**63 // 10**6 - 1
 class Table:
     """Read once, in one pass over the headers of the records."""
 
-    def __init__(self, reader: Reader) -> None:
-        count = reader.info.frame_count
+    def __init__(self, reader: Reader, count: int) -> None:
         self.numbers = numpy.empty(count, numpy.uint32)
         self.times = numpy.empty(count, "M8[us]")
         self.lost = numpy.zeros(count, bool)

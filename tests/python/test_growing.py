@@ -44,6 +44,22 @@ def test_another_recording_is_refused(tmp_path):
     assert len(rec) == 4
 
 
+def test_columns_are_of_the_frames_that_were_there(tmp_path):
+    path = tmp_path / "clip.kpf"
+    with kpf.Writer(path, (2, 4), start=1) as writer:
+        writer.add(np.ones((2, 4), np.uint8))
+        rec = kpf.open(path)
+        writer.add(np.ones((2, 4), np.uint8))
+        assert rec.times.size == rec.lost.size == len(rec) == 1
+    path.unlink()
+    recordings.make(tmp_path, recordings.stepped(1))
+    late = kpf.open(path)
+    path.unlink()
+    recordings.make(tmp_path, recordings.stepped(1), identifier=b"another one now.")
+    with pytest.raises(kpf.FormatError, match="another recording"):
+        late.lost
+
+
 def test_a_recording_that_is_gone_leaves_the_reader_as_it_was(ten):
     rec = kpf.open(ten)
     frame = rec[3]
