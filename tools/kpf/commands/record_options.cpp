@@ -15,7 +15,7 @@
 namespace KPF_TOOL {
 namespace {
 
-constexpr double kHighestRate = std::numeric_limits<int>::max();  // as the format holds it
+constexpr double kHighestWholeRate = std::numeric_limits<int>::max();  // as the format holds it
 
 // Of --duration, in seconds: from one frame to decades.
 constexpr double kShortest = 1e-9;
@@ -42,7 +42,7 @@ void addRecordOptions(CLI::App& line, RecordOptions& options) {
   line.add_option("--duration", options.duration, "seconds to record at most")
       ->check(between(kShortest, kLongest));
   line.add_option("--rate", options.rate, "frames per second instead of the input's")
-      ->check(between(1, kHighestRate));
+      ->check(between(1, kHighestWholeRate));
   line.add_option("--start", options.start, "time of the first frame: 2026-11-21T05:00:00Z");
   line.add_option("--text", options.text, "text to keep in the header file (text5)");
   line.add_option("--note", options.note, "second text to keep there (text2)");

@@ -2,6 +2,7 @@
 #ifndef KPF_LOST_FRAMES_H
 #define KPF_LOST_FRAMES_H
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
