@@ -131,6 +131,7 @@ void addExport(CLI::App& app, Job& job) {
                   ".mkv lossless, .mp4 for viewing, frame_%06d.png or .tif, - raw")
       ->required();
   addRange(line, options.range);
+  addY4m(line, options.y4m);
   addLost(line, options.lost);
   line.add_flag("--force", options.force, "replace files that are there");
   line.add_flag("--quiet", options.quiet, "no progress");
