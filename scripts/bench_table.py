@@ -43,6 +43,13 @@ SPEED = [
 COST = [
     ("vxAddTiffImageData, time against write", "record-image", "record/write", 1.70, 1.50),
     ("vxAddPackedData, time against write", "record-packed", "record/write", 1.40, 1.40),
+    ("map at one frequency, 12 bits, time against reading once",
+     "probe-frequency-12", "probe-read-12", 4, 4),
+    ("map of dominant frequencies, 12 bits, the same", "probe-dominant-12", "probe-read-12", 4, 4),
+    ("map at one frequency, 8 bits, the same",
+     "probe-frequency-8", "probe-read-8", None, None),
+    ("map of dominant frequencies, 8 bits, the same",
+     "probe-dominant-8", "probe-read-8", None, None),
     ("window of 900, time against one of 9", "amplifier/W=900", "amplifier/W=9", 1.10, 1.10),
 ]
 KERNELS = {"plain": "plain", "avx2": "AVX2", "avx512": "AVX-512"}

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <stdexcept>
 #include <vector>
 
 namespace {
@@ -77,6 +78,13 @@ TEST_F(Batches, LostFramesAloneAreNone) {
   batch_.addLost();
   batch_.finish();
   EXPECT_TRUE(out_.empty());
+}
+
+TEST_F(Batches, WhatTheSinkThrowsArrives) {
+  FrameBatch batch({2, 1, Samples::k8Bit},
+                   [](const unsigned char*, std::size_t) { throw std::runtime_error("full"); });
+  add(batch, {1, 2});
+  EXPECT_THROW(batch.finish(), std::runtime_error);
 }
 
 TEST_F(Batches, SixteenBitsAreMixedAsNumbers) {

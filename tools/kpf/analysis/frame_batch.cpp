@@ -23,7 +23,12 @@ FrameBatch::FrameBatch(const PictureLayout& layout, Sink sink)
     : layout_(layout),
       size_(layout.frameSize()),
       sink_(std::move(sink)),
-      frames_(size_ * kFrames) {}
+      frames_(size_ * kFrames),
+      handed_(size_ * kFrames) {}
+
+FrameBatch::~FrameBatch() {
+  if (work_.valid()) work_.wait();
+}
 
 void FrameBatch::add() {
   if (gap_ > 0) {
@@ -38,20 +43,25 @@ void FrameBatch::add() {
 void FrameBatch::addLost() {
   // The frame before still stands where it was written: nothing has come since.
   if (gap_++ > 0 || !any_) return;
-  const unsigned char* const last = frames_.data() + ((held_ + kFrames - 1) % kFrames) * size_;
-  before_.assign(last, last + size_);
+  const auto& batch = held_ > 0 ? frames_ : handed_;
+  const std::size_t last = held_ > 0 ? held_ - 1 : kFrames - 1;
+  before_.assign(batch.data() + last * size_, batch.data() + (last + 1) * size_);
 }
 
 void FrameBatch::finish() {
   if (any_) bridge(before_.data(), before_.data());
-  if (held_ > 0) sink_(frames_.data(), held_);
-  held_ = 0;
+  if (held_ > 0) handOn();
+  if (work_.valid()) work_.get();
 }
 
 void FrameBatch::push() {
-  if (++held_ < kFrames) return;
-  sink_(frames_.data(), held_);
-  held_ = 0;
+  if (++held_ == kFrames) handOn();
+}
+
+void FrameBatch::handOn() {
+  if (work_.valid()) work_.get();
+  std::swap(frames_, handed_);
+  work_ = std::async(std::launch::async, sink_, handed_.data(), std::exchange(held_, 0));
 }
 
 void FrameBatch::bridge(const unsigned char* before, const unsigned char* after) {
