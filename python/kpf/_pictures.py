@@ -71,7 +71,8 @@ class Pictures:
             return self._picture(self.reader.frame(self.table.source(place)))
         if self._lost == "nan":
             return numpy.full(self.shape, numpy.nan, numpy.float32)
-        return numpy.ma.masked_all(self.shape, self.dtype)
+        stand_in: Array = numpy.ma.masked_all(self.shape, self.dtype)
+        return stand_in
 
     def _behind(self) -> Behind | None:
         return Behind(self._frame_size) if self._gives_back else None
@@ -113,7 +114,8 @@ class Pictures:
         warnings.warn(f"{self.reader.path}: {count} lost frames are zeros in this array. `lost` "
                       "tells which, masked() masks them; or open with lost='nan', 'repeat' or "
                       "'raise'.", errors.LostFramesWarning, stacklevel=4)
-        return block.data
+        unmasked: Array = block.data
+        return unmasked
 
 
 def masked(block: Array, lost: Sequence[int]) -> numpy.ma.MaskedArray[Any, Any]:

@@ -36,7 +36,7 @@ class Kpf12(Codec):  # type: ignore[misc]
 
     def encode(self, buf: Any) -> bytes:
         """As docs/format.md has it; the last column of an odd width is not stored."""
-        samples = numpy.asarray(buf).view(numpy.uint16).reshape(self.height, self.width)
+        samples: numpy.ndarray[Any, Any] = numpy.asarray(buf).view(numpy.uint16).reshape(self.height, self.width)
         if FORMS[self.samples] == _signatures.SAMPLES_LEFT:
             samples = samples >> 4
         elif samples.size and samples.max() > 4095:

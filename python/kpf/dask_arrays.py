@@ -40,7 +40,8 @@ class Source:
         if len(recording) < stop and recording.refresh() < stop:
             raise errors.RangeError(f"{self.path}: frame {stop - 1} is asked for, and there are "
                                     f"{len(recording)}; is the shared folder up to date here?")
-        return recording[start:stop]._array()
+        block: Array = recording[start:stop]._array()
+        return block
 
 
 def _version(path: str) -> tuple[int, int]:
@@ -79,7 +80,7 @@ def _chunks(recording: Recording, chunk: int | None) -> tuple[int, ...]:
 def _array_of(name: str, recording: Recording, chunks: tuple[int, ...], task: Callable[..., Any],
               shape: tuple[int, ...], dtype: Any) -> Any:
     """One task for each chunk: task(start, stop)."""
-    import dask.array
+    from dask.array.core import Array as DaskArray
     from dask.base import tokenize
     from dask.highlevelgraph import HighLevelGraph
 
@@ -90,7 +91,7 @@ def _array_of(name: str, recording: Recording, chunks: tuple[int, ...], task: Ca
         start += frames
     whole = (chunks, *((side,) for side in shape))
     meta = numpy.empty((0,) * (1 + len(shape)), dtype)
-    return dask.array.Array(HighLevelGraph.from_collections(name, graph), name, whole, meta=meta)
+    return DaskArray(HighLevelGraph.from_collections(name, graph), name, whole, meta=meta)
 
 
 def to_dask(recording: Recording, chunk: int | None = None) -> Any:
@@ -120,7 +121,8 @@ class _Overlapping:
         if result.shape[:1] != (last - first,):
             raise errors.ArgumentError(f"the function was given {last - first} frames and must give "
                                        f"as many results, not the shape {result.shape}")
-        return result[start - first:stop - first]
+        own: Array = result[start - first:stop - first]
+        return own
 
 
 def map_overlap(function: Callable[[Array], Any], recording: Recording, before: int = 0,

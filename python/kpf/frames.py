@@ -21,8 +21,13 @@ class Frames:
     slices and lists further views, `numpy.asarray(frames)` all of it.
     """
 
-    _recording: Recording
-    _places: Sequence[int]
+    @property
+    def _recording(self) -> Recording:
+        raise NotImplementedError
+
+    @property
+    def _places(self) -> Sequence[int]:
+        raise NotImplementedError
 
     def __len__(self) -> int:
         return len(self._places)
@@ -69,7 +74,7 @@ class Frames:
         return self._column("numbers")
 
     def _column(self, name: str) -> Array:
-        places = self._places
+        places: Any = self._places
         if isinstance(places, range):
             places = numpy.arange(places.start, places.stop, places.step)  # at once, not one by one
         column: Array = getattr(self._recording._pictures.table, name)
@@ -129,15 +134,23 @@ class Frames:
 
     def masked(self) -> numpy.ma.MaskedArray[Any, Any]:
         """All frames as one array in which the lost ones are masked."""
-        return numpy.ma.asarray(self._array())
+        masked: numpy.ma.MaskedArray[Any, Any] = numpy.ma.array(self._array(), copy=False)
+        return masked
 
 
 class View(Frames):
     """Some frames of a recording, as slices and lists choose them."""
 
     def __init__(self, recording: Recording, places: Sequence[int]) -> None:
-        self._recording = recording
-        self._places = places
+        self._of, self._chosen = recording, places
+
+    @property
+    def _recording(self) -> Recording:
+        return self._of
+
+    @property
+    def _places(self) -> Sequence[int]:
+        return self._chosen
 
     def __repr__(self) -> str:
         return f"<{len(self)} frames of {self._recording!r}>"

@@ -2,7 +2,7 @@
 from __future__ import annotations
 
 import os
-from typing import TYPE_CHECKING, Any, Sequence
+from typing import Any, Sequence
 
 import numpy
 
@@ -10,9 +10,6 @@ from . import errors
 from ._pictures import ACCESS, FORMS, LOST, Pictures
 from .frames import Array, Frames
 from .header import Header, header_of
-
-if TYPE_CHECKING:
-    import dask.array
 
 
 def _option(name: str, value: str, known: Any) -> str:
@@ -132,7 +129,7 @@ class Recording(Frames):
 
     # ---- For engines that compute elsewhere.
 
-    def to_dask(self, chunk: int | None = None) -> dask.array.Array:
+    def to_dask(self, chunk: int | None = None) -> Any:
         """A lazy array of frames x rows x columns; see kpf.dask_arrays.to_dask."""
         from .dask_arrays import to_dask
         return to_dask(self, chunk)
