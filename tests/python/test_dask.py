@@ -1,5 +1,8 @@
 """Recordings as arrays of dask, in this process and on a cluster of two others."""
 import pickle
+import subprocess
+import sys
+from pathlib import Path
 
 import numpy as np
 import pytest
@@ -136,3 +139,14 @@ def test_recordings_and_frames_travel(ten, two_workers):
     assert two_workers.submit(lambda remote: int(remote[7].sum()), rec).result() == 56
     assert two_workers.submit(lambda remote: len(remote[2:8:2]), rec).result() == 3
     assert two_workers.submit(lambda remote: remote[4], rec).result().tolist() == [[4] * 4] * 2
+
+
+def test_the_example_runs_on_a_scheduler_that_is_there(ten, two_workers):
+    example = Path(__file__).resolve().parents[2] / "examples/cluster.py"
+    picture = ten.with_name("energy.png")
+    done = subprocess.run([sys.executable, "-B", str(example), str(ten.parent), "--scheduler",
+                           two_workers.scheduler.address, "--picture", str(picture)], check=False,
+                          capture_output=True, text=True)
+    assert done.returncode == 0, done.stderr
+    assert done.stdout == "clip: 10 frames, most at 8: 5.00\n"
+    assert picture.exists()
