@@ -122,7 +122,7 @@ class Cameras(RecordingTest):
         self.write("out/out_0001.div", data[:whole])
         self.check(self.records())
         self.assertEqual(struct.unpack_from("<I", self.read("out.kpf"), 468)[0], 0xFFFFFFFF)
-        self.assertEqual(self.kpf("verify", "out.kpf")[0], 1)
+        self.assertEqual(self.kpf("verify", "--strict", "out.kpf")[0], 1)
 
     def test_a_camera_that_is_gone_ends_a_complete_recording(self):
         camera = self.camera()

@@ -91,6 +91,8 @@ class Examples(VideoTest):
         for command in re.findall(r"^  ([a-z]+) {2,}\S", out.split("Subcommands:")[1],
                                   re.MULTILINE):
             with self.subTest(command):
+                if command == "view":
+                    continue  # it serves until somebody ends it: see test_view.py
                 example = parsed(self.kpf(command, "--help")[1])[3]
                 words = shlex.split(example.split("&&")[0])[1:]
                 if "--force" not in words and command == "record":

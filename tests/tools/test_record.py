@@ -181,7 +181,7 @@ class Record(VideoTest):
         self.assertRegex(done.stderr, rb"4 of \d+ frames are on disk: the system did not take the "
                                       rb"others, see the lines above\n")
         self.assertIn(b"queueFrame: io stream write failed.", done.stderr)
-        self.assertEqual(self.kpf("verify", "out.kpf")[0], 1)
+        self.assertEqual(self.kpf("verify", "--strict", "out.kpf")[0], 1)
 
     def test_files_that_are_taken_away_are_told(self):
         with self.recording() as process:
@@ -197,7 +197,7 @@ class Record(VideoTest):
             process.kill()
             process.communicate(timeout=60)
         self.assertEqual(self.announced(), 0xFFFFFFFF)
-        self.assertEqual(self.kpf("verify", "out.kpf")[0], 1)
+        self.assertEqual(self.kpf("verify", "--strict", "out.kpf")[0], 1)
 
     def test_another_recording_is_not_overwritten(self):
         before = self.read("clip/clip_0001.div")
