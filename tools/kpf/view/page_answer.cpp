@@ -7,8 +7,10 @@
 
 #include "tools/kpf/terminal/text.h"
 #include "tools/kpf/terminal/tool_error.h"
+#include "tools/kpf/view/analysed_frames.h"
 #include "tools/kpf/view/frames_answer.h"
 #include "tools/kpf/view/job_request.h"
+#include "tools/kpf/view/map_answer.h"
 #include "tools/kpf/view/numbers.h"
 #include "tools/kpf/view/page_files.h"
 #include "tools/kpf/view/still.h"
@@ -92,6 +94,9 @@ Reply PageAnswer::dispatch(const Request& request) {
   if (request.path == "api/vibration") {
     return answerVibration(request, recordingOf(wholeOf(request, "recording", 0)));
   }
+  if (request.path == "api/map") {
+    return answerMap(request, recordingOf(wholeOf(request, "recording", 0)));
+  }
   if (request.path == "api/frames") {
     return answerFrames(request, recordingOf(wholeOf(request, "recording", 0)), amplifier_);
   }
@@ -104,10 +109,13 @@ ShownRecording& PageAnswer::recordingOf(std::uint32_t index) {
 }
 
 Reply PageAnswer::answerRecordings() {
-  Json json{
-      {"live", options_.live}, {"scale", options_.scale},
-      {"clean", true},         {"vibration", canAnswerVibration(recordings_.front()->header())},
-      {"jobs", offeredJobs()}, {"recordings", Json::array()}};
+  Json json{{"live", options_.live},
+            {"scale", options_.scale},
+            {"clean", true},
+            {"vibration", canAnalyse(recordings_.front()->header())},
+            {"map", true},
+            {"jobs", offeredJobs()},
+            {"recordings", Json::array()}};
   for (const auto& recording : recordings_) json["recordings"].push_back(jsonOf(*recording));
   return replyWith(json);
 }

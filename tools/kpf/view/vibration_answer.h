@@ -7,9 +7,6 @@
 
 namespace KPF_TOOL {
 
-/// Whether there is anything to answer with: frequencies need a frame rate, and a transform.
-bool canAnswerVibration(const KPF_READER::Header& header);
-
 /**
  * Mean value and displacement of `box` ("x,y,width,height"; a single pixel stands for those around
  * it) over the frames `from` to `to`, the spectrum of each, and its peaks.
