@@ -195,6 +195,20 @@ class Frames(ViewTest):
                 self.assertEqual(frame.pictures[0], made[8 * n:8 * n + 8], (how, n))
                 self.assertEqual(frame.full, n >= 13 if how[0] == "5" else frame.full)
 
+    def test_lost_frames_are_not_amplified(self):
+        self.write("clip.kpf", header(frames=60))
+        self.write("clip/clip_0001.div", b"".join(
+            bytes(24) if n in (20, 30, 31) else record(n, bytes((n * 37 + i * 11) % 256 for i in range(8)))
+            for n in range(60)))
+        self.view("clip.kpf")
+        made = self.kpf_bytes("amplify", "clip.kpf", "-", "--frequency", "5", "--gain", "8").stdout
+        self.assertEqual(len(made), 60 * 8)
+        values = {"pictures": "amplified", "frequency": 5, "gain": 8}
+        for n in (35, 21, 32, 59, 19, 44, 45):
+            frame, = self.frames(**{"from": n}, **values)
+            self.assertEqual(frame.pictures[0], made[8 * n:8 * n + 8], n)
+        self.assertEqual(self.frames(**{"from": 30}, **values)[0].pictures, [])
+
     def test_marks_tell_what_wraps_and_what_clips(self):
         rows = [bytes(8)] * 14 + [bytes([0, 10, 31, 32, 40, 255, 200, 30])]
         self.write("clip.kpf", header(frames=15))

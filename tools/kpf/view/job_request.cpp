@@ -33,7 +33,7 @@ void addRange(std::vector<std::string>& arguments, const Json& wanted) {
 
 }  // namespace
 
-std::vector<std::string> offeredJobs() { return {"still", "export", "amplify"}; }
+std::vector<std::string> offeredJobs() { return {"still", "export", "cut", "amplify"}; }
 
 std::string checkedNewName(const std::string& name) {
   const bool plain = !name.empty() && name.size() <= kLongestName && name.front() != '.' &&

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "tools/kpf/analysis/clean_amplifier.h"
+#include "tools/kpf/frames/frames_before.h"
 #include "tools/kpf/frames/recorded_frames.h"
 #include "tools/kpf/terminal/tool_error.h"
 #include "vlm_internal.h"
@@ -60,9 +61,9 @@ struct LiveAmplifier::Running {
         clean(static_cast<int>(amplifier.fillingFrames()) + 2, how.gain),
         gains(gainsOf(how.gain)),
         frame(source->frameSize()) {
-    next = place -
-           static_cast<std::uint32_t>(std::min<std::uint64_t>(place, amplifier.fillingFrames()));
-    first = next;
+    const auto before = openRecording(how.recording, Samples::k8Bit);
+    next =
+        static_cast<std::uint32_t>(startOfFramesBefore(*before, place, amplifier.fillingFrames()));
     source->skip(next);
   }
 
@@ -72,13 +73,13 @@ struct LiveAmplifier::Running {
   CleanAmplifier clean;  // of the same window: two frames longer than the filling
   std::vector<int> gains;
   std::vector<unsigned char> frame;  // the newest
-  std::uint32_t first = 0;           // place with which the window began
+  std::uint64_t added = 0;           // frames that were not lost
   std::uint32_t next = 0;            // place that the source gives next
   AmplifiedPictures made;            // of the place before that
 };
 
 bool LiveAmplifier::windowIsFull() const {
-  return running_->next - running_->first > running_->amplifier.fillingFrames();
+  return running_->added > running_->amplifier.fillingFrames();
 }
 
 bool LiveAmplifier::canGoOnTo(const Amplification& wanted, std::uint32_t place) const {
@@ -93,8 +94,12 @@ void LiveAmplifier::step() {
     running_.reset();
     throw ToolError(Outcome::kWrongUsage, "there is no such frame", "Choose an earlier one.");
   }
-  run.source->copyTo(run.frame.data(), run.source->rowSize());
-  run.amplifier.add(run.frame);
+  // The amplifier never sees black that nobody saw.
+  if (!run.source->lost()) {
+    run.source->copyTo(run.frame.data(), run.source->rowSize());
+    run.amplifier.add(run.frame);
+    ++run.added;
+  }
   ++run.next;
 }
 
