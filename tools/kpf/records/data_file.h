@@ -7,16 +7,18 @@
 #include <span>
 #include <string>
 
+#include "tools/kpf/records/read_behind.h"
+
 namespace KPF_TOOL {
 
 /// Reads by calls, not through mapped memory: there a sector that the disk cannot read, and a file
 /// that another program shortens, would end the process.
-class DataFile {
+class DataFile : public CachedFile {
  public:
   /// Whatever has taken the file's place since it was found, a pipe included, does not block.
   /// @throws KPF_READER::RecordingError.
   explicit DataFile(const std::string& path);
-  ~DataFile();
+  ~DataFile() override;
   DataFile(const DataFile&) = delete;
   DataFile& operator=(const DataFile&) = delete;
 
@@ -28,6 +30,9 @@ class DataFile {
   /// The first byte from `offset` on that the disk holds: those before it take no room there and
   /// read as zero. Where the system cannot tell that is `offset` itself.
   std::uint64_t storedFrom(std::uint64_t offset) const;
+
+  bool isCached(std::uint64_t offset) const override;
+  void forget(std::uint64_t begin, std::uint64_t end) const override;
 
  private:
   const std::string path_;

@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -53,6 +54,24 @@ std::uint64_t DataFile::storedFrom(std::uint64_t offset) const {
   }
 #endif
   return offset;
+}
+
+// Asks for the byte without waiting for a device. A file system that does not know the question
+// counts as one that has it.
+bool DataFile::isCached(std::uint64_t offset) const {
+#ifdef RWF_NOWAIT
+  unsigned char byte = 0;
+  const iovec into{&byte, 1};
+  return preadv2(descriptor_, &into, 1, static_cast<off_t>(offset), RWF_NOWAIT) >= 0 ||
+         errno != EAGAIN;
+#else
+  return true;
+#endif
+}
+
+void DataFile::forget(std::uint64_t begin, std::uint64_t end) const {
+  posix_fadvise(descriptor_, static_cast<off_t>(begin), static_cast<off_t>(end - begin),
+                POSIX_FADV_DONTNEED);
 }
 
 }  // namespace KPF_TOOL

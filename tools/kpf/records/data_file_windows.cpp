@@ -57,4 +57,9 @@ std::size_t DataFile::read(std::uint64_t offset, std::span<unsigned char> into) 
 
 std::uint64_t DataFile::storedFrom(std::uint64_t offset) const { return offset; }
 
+// Windows gives a program no say in this.
+bool DataFile::isCached(std::uint64_t /*offset*/) const { return true; }
+
+void DataFile::forget(std::uint64_t /*begin*/, std::uint64_t /*end*/) const {}
+
 }  // namespace KPF_TOOL

@@ -109,6 +109,7 @@ void Records::open(const DivFile& file) {
   held_ = 0;
   asked_ = 0;
   data_.emplace(file.path);
+  behind_ = ReadBehind();
   file_ = &file;
 }
 
@@ -117,6 +118,7 @@ void Records::fill(std::uint64_t offset, std::uint64_t size) {
   if (block_.size() < wanted) block_.resize(wanted);
   start_ = offset;
   held_ = 0;
+  behind_.reading(*data_, offset, wanted, file_->size);
   held_ = data_->read(offset, std::span(block_).first(wanted));
   if (held_ >= size) return;
   // What is not there for once is told with the system's own word, if it has one.

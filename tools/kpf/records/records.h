@@ -11,6 +11,7 @@
 
 #include "kpf_reader.h"
 #include "tools/kpf/records/data_file.h"
+#include "tools/kpf/records/read_behind.h"
 
 namespace KPF_TOOL {
 
@@ -64,6 +65,7 @@ class Records {
   std::uint64_t ahead_;                        // bytes to read at once, when a record is shorter
   const KPF_READER::DivFile* file_ = nullptr;  // the one that is open
   std::optional<DataFile> data_;
+  ReadBehind behind_;  // of that file
   std::vector<unsigned char> block_;
   std::uint64_t start_ = 0;  // of the block in the file
   std::uint64_t asked_ = 0;  // up to there the system has said what it stores, or need not be asked
