@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdint>
-#include <ctime>
 #include <string>
 #include <utility>
 
@@ -43,9 +43,16 @@ TEST(StartTime, DatesAreUtc) {
 }
 
 TEST(StartTime, NothingIsNow) {
-  const auto before = static_cast<std::uint64_t>(std::time(nullptr));
+  // std::time may be a few milliseconds behind this clock.
+  const auto seconds = [] {
+    return static_cast<std::uint64_t>(
+        std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now())
+            .time_since_epoch()
+            .count());
+  };
+  const std::uint64_t before = seconds();
   const StartTime now = parseStartTime("");
-  const auto after = static_cast<std::uint64_t>(std::time(nullptr));
+  const std::uint64_t after = seconds();
   EXPECT_GE(now.seconds, before);
   EXPECT_LE(now.seconds, after);
   EXPECT_LT(now.microseconds, 1000000U);

@@ -31,7 +31,7 @@ class ReadBehind {
 
  private:
   std::uint64_t entered_ = 0;          // chunks, from the file's first on, that were looked at
-  std::deque<std::uint64_t> brought_;  // the newest of those that this walk brought into memory
+  std::deque<std::uint64_t> brought_;  // those that this walk brings into memory, not yet given back
 };
 
 }  // namespace KPF_TOOL
