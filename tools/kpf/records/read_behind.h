@@ -30,8 +30,9 @@ class ReadBehind {
                std::uint64_t fileSize);
 
  private:
-  std::uint64_t entered_ = 0;          // chunks, from the file's first on, that were looked at
-  std::deque<std::uint64_t> brought_;  // those that this walk brings into memory, not yet given back
+  std::uint64_t entered_ = 0;  // chunks, from the file's first on, that were looked at
+  std::deque<std::uint64_t>
+      brought_;  // those that this walk brings into memory, not yet given back
 };
 
 }  // namespace KPF_TOOL
