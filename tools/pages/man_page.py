@@ -1,10 +1,18 @@
 """The man page of the tool."""
+import textwrap
 
 
 def escaped(text):
     """Text as troff prints it: a hyphen of a command line, no dot or quote at the head of a line."""
     text = text.replace("\\", "\\e").replace("-", "\\-")
     return "\\&" + text if text.startswith((".", "'")) else text
+
+
+def flowed(text):
+    """Lines of at most 80 bytes, which troff joins again."""
+    for line in textwrap.wrap(text, 76, break_long_words=False, break_on_hyphens=False):
+        yield from textwrap.wrap(escaped(line), 80, break_long_words=False,
+                                 break_on_hyphens=False)
 
 
 def sentence(text):
@@ -20,7 +28,7 @@ def option_lines(option):
     extras = ["One of %s." % ", ".join(option.choices)] if option.choices else []
     if option.default:
         extras.append("Default: %s." % option.default)
-    yield escaped(" ".join([sentence(option.meaning), *extras]).strip() or "\\&")
+    yield from list(flowed(" ".join([sentence(option.meaning), *extras]).strip())) or ["\\&"]
 
 
 def note_lines(notes):
