@@ -21,7 +21,7 @@ using KPF_C::Failure;
 using KPF_C::require;
 
 // The sums of a window have 32 bits: so many frames of 255 still fit.
-constexpr double kLargestWindow = std::numeric_limits<std::uint32_t>::max() / 255;
+constexpr std::uint32_t kLargestWindow = std::numeric_limits<std::uint32_t>::max() / 255;
 
 struct Amplifier {
   KPF_C::Geometry geometry;

@@ -6,12 +6,16 @@
 
 #include "tools/kpf/cameras/camera.h"
 #include "tools/kpf/cameras/region.h"
+#include "tools/kpf/commands/command.h"
 #include "tools/kpf/commands/record_live.h"
 #include "tools/kpf/recording/event.h"
 #include "tools/kpf/terminal/tool_error.h"
 
 namespace KPF_TOOL {
 namespace {
+
+constexpr double kShortestExposure = 0.01;  // microseconds
+constexpr double kLongestExposure = 1e9;
 
 [[noreturn]] void refuse(const std::string& what, const std::string& advice) {
   throw ToolError(Outcome::kWrongUsage, what, advice);
@@ -59,6 +63,13 @@ void checkLiveOptions(const RecordOptions& options) {
       refuse("--start does not go with frames that come in their own time",
              "Choose with --clock whose time they get.");
     }
+    if (options.checksums) {
+      refuse("--checksums reads every record back, which frames do not wait for",
+             "Use kpf checksum when they are recorded.");
+    }
+    if (options.fillGaps) {
+      refuse("--fill-gaps is for videos: here every loss keeps its place", "Leave it out.");
+    }
   } else if (options.live.noLoss || !options.live.clock.empty()) {
     refuse("--no-loss and --clock are for cameras and events", "Leave them out.");
   }
@@ -67,7 +78,7 @@ void checkLiveOptions(const RecordOptions& options) {
 void addLiveOptions(CLI::App& line, LiveOptions& options) {
   const char* const camera = "GenICam cameras";
   line.add_option("--exposure", options.exposure, "microseconds")
-      ->check(CLI::PositiveNumber)
+      ->check(between(kShortestExposure, kLongestExposure))
       ->group(camera);
   line.add_option("--set", options.features,
                   "NAME=VALUE, any feature of the camera; may be repeated")
