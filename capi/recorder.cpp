@@ -60,7 +60,8 @@ VLM_INTERNAL::VXP_STREAM_CONFIGURATION configurationOf(const kpf_writer_options&
 /// Windows lets a name that ends in a separator pass for a file, so the writer's own look at its
 /// folder may take one for it; without the separator it is told.
 bool hasDataFolder(const std::string& name) {
-  return fs::is_directory(nativePath(KPF_FORMAT::withoutExtension(name).value()));
+  std::error_code none;  // a name that leads nowhere is no folder: what is wrong, opening tells
+  return fs::is_directory(nativePath(KPF_FORMAT::withoutExtension(name).value()), none);
 }
 
 unsigned prepare(VLM_KPF::VxKPFPackedStream& stream, const std::string& name,
