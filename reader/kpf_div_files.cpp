@@ -37,10 +37,11 @@ std::string spelled(const fs::path& name) {
   }
 }
 
-/// A folder that is not there, or a file in its place, has no data files; one that cannot be read
-/// may have them all.
+/// A folder that is not there, or a file in its place, or one that no system can name, has no data
+/// files; one that cannot be read may have them all.
 bool isMissing(const std::error_code& error) {
-  return error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory;
+  return error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory ||
+         error == std::errc::filename_too_long;
 }
 
 }  // namespace
