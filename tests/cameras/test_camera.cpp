@@ -23,7 +23,7 @@ std::string builtInFeatures() {
   std::size_t size = 0;
   ArvFakeCamera* const camera = arv_fake_camera_new("XML");
   const char* const text = arv_fake_camera_get_genicam_xml(camera, &size);
-  const std::string xml(text, size);
+  std::string xml(text, size);
   g_object_unref(camera);
   return xml;
 }

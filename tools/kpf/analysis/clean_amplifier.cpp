@@ -8,6 +8,11 @@ namespace {
 
 constexpr int kWhite = 255;
 
+/// Of a difference in a table that begins with the lowest one.
+constexpr std::size_t indexOf(int difference) {
+  return static_cast<std::size_t>(difference) + static_cast<std::size_t>(kWhite);
+}
+
 }  // namespace
 
 // A reference r came of a sum from r * W to r * W + W - 1, and so of a mean from r * W / (W - 1) to
@@ -28,7 +33,7 @@ CleanAmplifier::CleanAmplifier(int window, double gain) {
 void CleanAmplifier::setGain(double gain) {
   for (int difference = -kWhite; difference <= kWhite; ++difference) {
     const double product = std::isnan(gain) || difference == 0 ? 0 : difference * gain;
-    gained_[static_cast<std::size_t>(difference + kWhite)] =
+    gained_[indexOf(difference)] =
         static_cast<int>(std::lround(std::clamp(product, -1.0 * kWhite, 1.0 * kWhite)));
   }
 }
@@ -42,7 +47,7 @@ void CleanAmplifier::amplify(std::span<const unsigned char> frame,
                              std::span<unsigned char> out) const {
   for (std::size_t i = 0; i < out.size(); ++i) {
     const int difference = frame[i] - meanOf(frame[i], reference[i]);
-    const int sum = frame[i] + gained_[static_cast<std::size_t>(difference + kWhite)];
+    const int sum = frame[i] + gained_[indexOf(difference)];
     out[i] = static_cast<unsigned char>(std::clamp(sum, 0, kWhite));
   }
 }

@@ -110,7 +110,7 @@ void AravisCamera::readGeometry() {
   height_ = static_cast<unsigned>(height);
   const bool fits = width > 0 && height > 0 && width_ <= kLongestSide && height_ <= kLongestSide;
   // Two packed pixels share three bytes, and in a recording they are of one row.
-  if (fits && (bits() == 8 || width_ % 2 == 0)) return;
+  if (fits && (form_.recordedBits() == 8 || width_ % 2 == 0)) return;
   throw ToolError(Outcome::kWrongUsage,
                   fmt::format("frames of {} x {} pixels cannot be recorded", width, height),
                   "Choose another size with --region; of 12-bit pixels an even width.");

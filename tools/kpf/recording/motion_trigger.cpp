@@ -30,14 +30,14 @@ MotionTrigger::MotionTrigger(double level, unsigned width, unsigned height, bool
       packed12_(packed12),
       reference_(std::size_t{width} * height),
       bytes_(reference_.size()) {
-  arm();
+  MotionTrigger::arm();
 }
 
 /// The window is told in frames here, and in seconds there: at this rate they are the same.
 void MotionTrigger::arm() {
   close();
   VXP_MA_CONFIGURATION parameters{};
-  parameters.frameRate = kWindow / 3;
+  parameters.frameRate = kWindow / 3.0;
   parameters.motionFrequency = 1;
   parameters.width = static_cast<int>(width_);
   parameters.height = static_cast<int>(height_);
