@@ -167,6 +167,7 @@ TEST(Candidates, OfAStillSceneAreNone) {
   Candidates candidates(Scene::layout(), Stretches::of(1100), kRate);
   Scene still(0.8);
   std::vector<Frame> frames;
+  frames.reserve(1100);
   for (int n = 0; n < 1100; ++n) frames.push_back(still.frame(0, 0));
   feed(frames, Scene::layout(), candidates);
   EXPECT_TRUE(candidates.frequencies(6).empty());

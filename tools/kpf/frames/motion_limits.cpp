@@ -19,7 +19,8 @@ constexpr std::uint64_t kOneInSoMany = 100;  // pixels may wrap without a word
 /// The lowest frequency whose window of three cycles is full with `frames` frames, the newest
 /// included. Rounded up to three digits: a higher one needs fewer.
 double fittingFrequency(double rate, std::uint64_t frames) {
-  const double lowest = rate / static_cast<double>((frames + 1) / kCycles);
+  const std::uint64_t cycle = (frames + 1) / kCycles;  // whole frames
+  const double lowest = rate / static_cast<double>(cycle);
   const double step = std::pow(10.0, std::floor(std::log10(lowest)) - 2);
   return std::ceil(lowest / step - 1e-6) * step;
 }

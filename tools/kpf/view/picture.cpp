@@ -10,6 +10,7 @@ namespace KPF_TOOL {
 namespace {
 
 constexpr unsigned kLevels = 4096;
+constexpr std::uint64_t kAtLeastOne = 1;  // sample in a pixel: a cutout is never enlarged
 
 /// Where the samples of pixel `index` of `out` begin, of `size` samples from `first` on.
 std::size_t edge(unsigned first, unsigned size, unsigned index, unsigned out) {
@@ -36,7 +37,8 @@ void appendMeans(std::vector<unsigned char>& out, std::span<const Sample> sample
       const std::size_t right = edge(0, cut.width, column + 1, cut.outWidth);
       std::uint64_t sum = 0;
       for (std::size_t x = left; x < right; ++x) sum += sums[x];
-      out.push_back(tone.of(static_cast<unsigned>(sum / ((right - left) * (bottom - top)))));
+      const std::uint64_t samplesOfPixel = std::uint64_t{right - left} * (bottom - top);
+      out.push_back(tone.of(static_cast<unsigned>(sum / std::max(samplesOfPixel, kAtLeastOne))));
     }
   }
 }
