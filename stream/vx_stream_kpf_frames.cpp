@@ -1,4 +1,5 @@
 // The frames of a recording: numbering, data files, records.
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -98,6 +99,8 @@ void VxKPFPackedStream::switchDivFile() {
   }
   divFile.open(divFileName(number), std::ios::out | std::ios::trunc | std::ios::binary);
   currentDivFile = number;
+  const unsigned records = std::min(framesPerDivFile, getFrameCount() - seqNum);
+  writeBehind_.begin(records * KPF_FORMAT::recordSizeOf(std::uint64_t{frameSize}));
 }
 
 // The header waits in the stream's buffer, so that header and pixels go out in one system call.
@@ -111,6 +114,7 @@ void VxKPFPackedStream::writeRecord(const VxKPFPacked& frame) {
   calcDivFileInfo(seqNum, number, index);
   const std::uint64_t recordSize = KPF_FORMAT::recordSizeOf(std::uint64_t{frameSize});
   const std::uint64_t begin = index * recordSize;
+  writeBehind_.makeRoom(descriptorOf(divFile));
   write(divFile, frame.getHeader(), VxKPFPacked::getHeaderSize());
   write(divFile, frame.getPackedData(), frame.packedSize);
   divFile.flush();

@@ -3,24 +3,37 @@
 #include <algorithm>
 
 namespace VLM_KPF {
+namespace {
 
-// The start comes before the wait, so that the device has work meanwhile. Nobody waits for what was
-// started just now: a frame larger than the window would be written to the device by its own call.
-void WriteBehind::advance(int file) noexcept {
-  const std::uint64_t before = started_;
-  started_ = end_ / kChunk * kChunk;
-  cache_.startWriting(file, {before, started_});
-  dropTail();
-  const std::uint64_t behind = started_ - std::min(started_, kWindow);
-  const std::uint64_t drop = std::min(before, behind);
-  if (drop <= dropped_) return;
-  cache_.dropWritten(file, {dropped_, drop});
-  dropped_ = drop;
+constexpr std::uint64_t wholeChunks(std::uint64_t bytes) {
+  return bytes / WriteBehind::kChunk * WriteBehind::kChunk;
+}
+
+/// With what lay across the border of the bytes given back before.
+ByteRange withPieceBefore(ByteRange bytes) {
+  return {bytes.begin - std::min(bytes.begin, WriteBehind::kLargestPiece), bytes.end};
+}
+
+}  // namespace
+
+void WriteBehind::start(int file) noexcept {
+  const std::uint64_t whole = wholeChunks(end_);
+  cache_.startWriting(file, {started_, whole});
+  started_ = whole;
+}
+
+// Nobody waits for the newest record, which was started just now: one larger than the window would
+// be brought to the device by the call that follows it.
+void WriteBehind::drop(int file) noexcept {
+  const std::uint64_t behind = wholeChunks(std::min(end_ - kWindow, newest_));
+  if (behind <= dropped_) return;
+  cache_.dropWritten(file, withPieceBefore({dropped_, behind}));
+  dropped_ = behind;
 }
 
 void WriteBehind::nextFile(int file) noexcept {
   releaseTail();
-  if (end_ >= kWindow) {
+  if (end_ >= kWindow && !staysSmall_) {
     if (end_ > started_) cache_.startWriting(file, {started_, end_});
     tail_ = {dropped_, end_};
     tailFile_ = cache_.keepOpen(file);
@@ -30,17 +43,18 @@ void WriteBehind::nextFile(int file) noexcept {
 
 void WriteBehind::finish() noexcept {
   releaseTail();
-  end_ = started_ = dropped_ = 0;
+  end_ = started_ = dropped_ = newest_ = 0;
 }
 
 // The window reaches back from the new file into the old one, as if they were one.
 void WriteBehind::dropTail() noexcept {
-  if (tailFile_ < 0) return;
-  const std::uint64_t held = kWindow - std::min(started_, kWindow);
-  const std::uint64_t drop = held == 0 ? tail_.end : (tail_.end - held) / kChunk * kChunk;
-  if (drop > tail_.begin) {
-    cache_.dropWritten(tailFile_, {tail_.begin, drop});
-    tail_.begin = drop;
+  const std::uint64_t held = kWindow - std::min(end_, kWindow);
+  const std::uint64_t newest = end_ == 0 ? newest_ : tail_.end;
+  const std::uint64_t behind =
+      held == 0 ? tail_.end : wholeChunks(std::min(tail_.end - held, newest));
+  if (behind > tail_.begin) {
+    cache_.dropWritten(tailFile_, withPieceBefore({tail_.begin, behind}));
+    tail_.begin = behind;
   }
   if (held == 0) releaseTail();
 }

@@ -14,45 +14,61 @@ namespace VLM_KPF {
  *
  * Left alone, a system gathers a recording in memory until it finds that too much waits for the
  * device, and then stops the writer for tens or hundreds of milliseconds. Here every chunk goes to
- * the device as soon as it is full, and its pages are given back once the writer is a window ahead:
- * no more than a window and a chunk ever wait, and the same pages serve again.
+ * the device as soon as it is full, and what lies a window behind is given back just before a
+ * record takes new pages: so the same pages serve again at once, the device has had the time
+ * between two frames for them, and no more than a window and two records ever wait.
  *
  * No thread, no memory, nothing that fails. The writer's bytes are with the system before it is
- * told here; a file smaller than the window keeps all its pages.
+ * told here; a file that will stay small keeps all its pages.
  */
 class WriteBehind {
  public:
-  // Both by measurement, see docs/performance.md. Systems hold files in pieces of up to some MiB
-  // and give back whole pieces only: all borders are multiples of the chunk.
-  static constexpr std::uint64_t kChunk = std::uint64_t{8} << 20;
-  static constexpr std::uint64_t kWindow = std::uint64_t{32} << 20;
+  // All by measurement, see docs/performance.md.
+  static constexpr std::uint64_t kChunk = std::uint64_t{2} << 20;
+  static constexpr std::uint64_t kWindow = std::uint64_t{8} << 20;
+  static constexpr std::uint64_t kSmall = std::uint64_t{32} << 20;
+  // Systems hold files in pieces of up to some MiB and give back whole pieces only.
+  static constexpr std::uint64_t kLargestPiece = std::uint64_t{8} << 20;
 
   explicit WriteBehind(PageCache& cache) : cache_(cache) {}
   ~WriteBehind() { finish(); }
   WriteBehind(const WriteBehind&) = delete;
   WriteBehind& operator=(const WriteBehind&) = delete;
 
-  /// `file` has been written up to byte `end`.
-  void written(int file, std::uint64_t end) noexcept {
-    end_ = end;
-    if (end >= started_ + kChunk) advance(file);
+  /// A new file begins, which will hold `expected` bytes if all goes on as announced.
+  void begin(std::uint64_t expected) noexcept { staysSmall_ = expected < kSmall; }
+
+  /// A record will be written to `file` now.
+  void makeRoom(int file) noexcept {
+    if (tailFile_ >= 0) dropTail();
+    if (end_ >= dropped_ + kWindow + kChunk && !staysSmall_) drop(file);
   }
 
-  /// `file` will be closed now, and the next call of written() is about a new one. The last window
-  /// of the old one is given back while the new one grows.
+  /// `file` has been written up to byte `end`.
+  void written(int file, std::uint64_t end) noexcept {
+    newest_ = end_;
+    end_ = end;
+    if (end >= started_ + kChunk) start(file);
+  }
+
+  /// `file` will be closed now, and begin() tells of a new one. The last window of the old one is
+  /// given back while the new one grows.
   void nextFile(int file) noexcept;
 
   /// Forgets the files. What the last one has in the page cache stays there.
   void finish() noexcept;
 
  private:
-  void advance(int file) noexcept;
+  void start(int file) noexcept;
+  void drop(int file) noexcept;
   void dropTail() noexcept;
   void releaseTail() noexcept;
 
   PageCache& cache_;
+  bool staysSmall_ = false;
   std::uint64_t end_ = 0;      // bytes of the file that were written,
   std::uint64_t started_ = 0;  // that are on their way to the device: whole chunks,
+  std::uint64_t newest_ = 0;   // that were there before the last record,
   std::uint64_t dropped_ = 0;  // and whose pages were given back
   int tailFile_ = -1;          // the file before, as long as it has pages to give back
   ByteRange tail_;             // those pages

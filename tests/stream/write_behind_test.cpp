@@ -18,12 +18,16 @@ constexpr int kKept = kFile + ScriptedPageCache::kKept;
 
 class WriteBehindTest : public testing::Test {
  protected:
-  /// The file grows from one whole MiB to another in steps of half a MiB.
+  /// The file grows from one whole MiB to another by records of half a MiB.
   std::string grow(int file, std::uint64_t from, std::uint64_t to) {
-    for (std::uint64_t half = 2 * from + 1; half <= 2 * to; ++half) {
-      behind.written(file, half * kMiB / 2);
-    }
+    for (std::uint64_t half = 2 * from + 1; half <= 2 * to; ++half) add(file, half * kMiB / 2);
     return cache.said();
+  }
+
+  /// One record that reaches up to byte `end`.
+  void add(int file, std::uint64_t end) {
+    behind.makeRoom(file);
+    behind.written(file, end);
   }
 
   ScriptedPageCache cache;
@@ -31,54 +35,90 @@ class WriteBehindTest : public testing::Test {
 };
 
 TEST_F(WriteBehindTest, EveryFullChunkIsStartedOnce) {
-  EXPECT_EQ(grow(kFile, 0, 7), "");
-  EXPECT_EQ(grow(kFile, 7, 15), "start 5 0-8\n");
-  EXPECT_EQ(grow(kFile, 15, 16), "start 5 8-16\n");
+  EXPECT_EQ(grow(kFile, 0, 1), "");
+  EXPECT_EQ(grow(kFile, 1, 3), "start 5 0-2\n");
+  EXPECT_EQ(grow(kFile, 3, 6), "start 5 2-4\nstart 5 4-6\n");
 }
 
-TEST_F(WriteBehindTest, WhatLiesAWindowBehindIsDroppedAfterTheDeviceHasNewWork) {
-  EXPECT_EQ(grow(kFile, 0, 39), "start 5 0-8\nstart 5 8-16\nstart 5 16-24\nstart 5 24-32\n");
-  EXPECT_EQ(grow(kFile, 39, 40), "start 5 32-40\ndrop 5 0-8\n");
-  EXPECT_EQ(grow(kFile, 40, 56), "start 5 40-48\ndrop 5 8-16\nstart 5 48-56\ndrop 5 16-24\n");
+TEST_F(WriteBehindTest, WhatLiesAWindowBehindIsDroppedBeforeNewPagesAreTaken) {
+  EXPECT_EQ(grow(kFile, 0, 10),
+            "start 5 0-2\nstart 5 2-4\nstart 5 4-6\nstart 5 6-8\nstart 5 8-10\n");
+  behind.makeRoom(kFile);
+  EXPECT_EQ(cache.said(), "drop 5 0-2\n");
+  behind.makeRoom(kFile);
+  EXPECT_EQ(grow(kFile, 10, 12), "start 5 10-12\n");
+  EXPECT_EQ(grow(kFile, 12, 14), "drop 5 0-4\nstart 5 12-14\n");
+}
+
+TEST_F(WriteBehindTest, PiecesAcrossTheLastBorderGoWithTheNext) {
+  grow(kFile, 0, 30);
+  behind.makeRoom(kFile);
+  EXPECT_EQ(cache.said(), "drop 5 12-22\n");
 }
 
 TEST_F(WriteBehindTest, ChunksEndAtTheirBordersWhateverTheRecordsSize) {
-  behind.written(kFile, 11 * kMiB + 16);
-  EXPECT_EQ(cache.said(), "start 5 0-8\n");
-  behind.written(kFile, 25 * kMiB + 32);
-  EXPECT_EQ(cache.said(), "start 5 8-24\n");
+  add(kFile, 5 * kMiB + 16);
+  EXPECT_EQ(cache.said(), "start 5 0-4\n");
+  add(kFile, 11 * kMiB + 32);
+  EXPECT_EQ(cache.said(), "start 5 4-10\n");
+  add(kFile, 17 * kMiB);
+  EXPECT_EQ(cache.said(), "drop 5 0-2\nstart 5 10-16\n");
 }
 
-TEST_F(WriteBehindTest, NobodyWaitsForWhatWasStartedInTheSameCall) {
-  behind.written(kFile, 64 * kMiB);
+TEST_F(WriteBehindTest, NobodyWaitsForTheNewestRecord) {
+  add(kFile, 64 * kMiB);
   EXPECT_EQ(cache.said(), "start 5 0-64\n");
-  behind.written(kFile, 128 * kMiB);
-  EXPECT_EQ(cache.said(), "start 5 64-128\ndrop 5 0-64\n");
+  add(kFile, 128 * kMiB);
+  EXPECT_EQ(cache.said(), "start 5 64-128\n");
+  add(kFile, 192 * kMiB);
+  EXPECT_EQ(cache.said(), "drop 5 0-64\nstart 5 128-192\n");
 }
 
 TEST_F(WriteBehindTest, TheWindowReachesBackIntoTheFileBefore) {
-  behind.written(kFile, 48 * kMiB);
-  behind.written(kFile, 50 * kMiB + 7);
+  grow(kFile, 0, 48);
+  add(kFile, 49 * kMiB + 7);
   cache.said();
   behind.nextFile(kFile);
-  EXPECT_EQ(cache.said(), "start 5 48-50+\nkeep 5\n");
-  EXPECT_EQ(grow(kNext, 0, 8), "start 6 0-8\ndrop 1005 0-24\n");
-  EXPECT_EQ(grow(kNext, 8, 24), "start 6 8-16\ndrop 1005 24-32\nstart 6 16-24\ndrop 1005 32-40\n");
-  EXPECT_EQ(grow(kNext, 24, 32), "start 6 24-32\ndrop 1005 40-50+\nrelease 1005\n");
-  EXPECT_EQ(grow(kNext, 32, 40), "start 6 32-40\ndrop 6 0-8\n");
+  EXPECT_EQ(cache.said(), "start 5 48-49+\nkeep 5\n");
+  EXPECT_EQ(grow(kNext, 0, 4), "drop 1005 32-42\nstart 6 0-2\ndrop 1005 34-44\nstart 6 2-4\n");
+  EXPECT_EQ(grow(kNext, 4, 8), "drop 1005 36-46\nstart 6 4-6\ndrop 1005 38-48\nstart 6 6-8\n");
+  EXPECT_EQ(grow(kNext, 8, 11), "drop 1005 40-49+\nrelease 1005\nstart 6 8-10\ndrop 6 0-2\n");
 }
 
-TEST_F(WriteBehindTest, AFileBelowTheWindowKeepsItsPages) {
-  grow(kFile, 0, 31);
+TEST_F(WriteBehindTest, TheNewestRecordStaysWhenTheNextFileBegins) {
+  add(kFile, 64 * kMiB);
+  add(kFile, 128 * kMiB);
+  behind.nextFile(kFile);
+  cache.said();
+  add(kNext, 64 * kMiB);
+  EXPECT_EQ(cache.said(), "drop 1005 0-64\nstart 6 0-64\n");
+  behind.makeRoom(kNext);
+  EXPECT_EQ(cache.said(), "drop 1005 56-128\nrelease 1005\n");
+}
+
+TEST_F(WriteBehindTest, AFileThatStaysSmallKeepsItsPages) {
+  behind.begin(WriteBehind::kSmall - 1);
+  EXPECT_EQ(grow(kFile, 0, 31).find("drop"), std::string::npos);
   behind.nextFile(kFile);
   EXPECT_EQ(cache.said(), "");
-  EXPECT_EQ(grow(kNext, 0, 8), "start 6 0-8\n");
+  behind.begin(WriteBehind::kSmall);
+  EXPECT_NE(grow(kNext, 0, 31).find("drop 6"), std::string::npos);
 }
 
-TEST_F(WriteBehindTest, ASmallFileEndsTheWaitForTheOneBefore) {
+TEST_F(WriteBehindTest, ASmallFileGivesBackThePagesOfTheOneBefore) {
   grow(kFile, 0, 40);
   behind.nextFile(kFile);
-  grow(kNext, 0, 8);
+  behind.begin(0);
+  const std::string said = grow(kNext, 0, 12);
+  EXPECT_NE(said.find("drop 1005"), std::string::npos);
+  EXPECT_NE(said.find("release 1005"), std::string::npos);
+  EXPECT_EQ(said.find("drop 6"), std::string::npos);
+}
+
+TEST_F(WriteBehindTest, AShortFileEndsTheWaitForTheOneBefore) {
+  grow(kFile, 0, 40);
+  behind.nextFile(kFile);
+  grow(kNext, 0, 4);
   behind.nextFile(kNext);
   EXPECT_EQ(cache.said(), "release " + std::to_string(kKept) + "\n");
 }
@@ -88,7 +128,7 @@ TEST_F(WriteBehindTest, WithoutADescriptorTheOldFilesPagesStay) {
   grow(kFile, 0, 40);
   behind.nextFile(kFile);
   EXPECT_EQ(cache.said(), "keep 5\n");
-  EXPECT_EQ(grow(kNext, 0, 16), "start 6 0-8\nstart 6 8-16\n");
+  EXPECT_EQ(grow(kNext, 0, 4), "start 6 0-2\nstart 6 2-4\n");
 }
 
 TEST_F(WriteBehindTest, TheEndOfTheRecordingReleasesAndForgets) {
@@ -98,7 +138,7 @@ TEST_F(WriteBehindTest, TheEndOfTheRecordingReleasesAndForgets) {
   behind.finish();
   EXPECT_EQ(cache.said(), "release 1005\n");
   behind.finish();
-  EXPECT_EQ(grow(kNext, 0, 8), "start 6 0-8\n");
+  EXPECT_EQ(grow(kNext, 0, 2), "start 6 0-2\n");
 }
 
 TEST(WriteBehind, ReleasesWhenItEnds) {

@@ -46,9 +46,11 @@ class WrittenPages : public StreamTest {
 };
 
 TEST_F(WrittenPages, AreStartedAndDroppedAcrossDataFiles) {
-  EXPECT_EQ(add(19), "start 0-8\nstart 8-16\nstart 16-24\nstart 24-32\n");
-  EXPECT_EQ(add(1), "start 32-40\ndrop 0-8\n");
-  EXPECT_EQ(add(4), "keep\nstart 0-8\ndrop 8-16\n");
+  EXPECT_EQ(add(5), "start 0-2\nstart 2-4\nstart 4-6\nstart 6-8\nstart 8-10\n");
+  EXPECT_EQ(add(1), "drop 0-2\nstart 10-12\n");
+  add(13);
+  EXPECT_EQ(add(1), "drop 20-30\nstart 38-40\n");
+  EXPECT_EQ(add(2), "keep\ndrop 22-32\nstart 0-2\ndrop 24-34\nstart 2-4\n");
   EXPECT_EQ(divBytes("0001").size(), 40U << 20);
 }
 
