@@ -16,7 +16,7 @@ constexpr double kSlopeNoise = 2 * (45. * 45 + 9 * 9 + 1) / (60. * 60);
 // Slopes must be this many times stronger than their noise, in squares,
 constexpr double kTrusted = 9;
 // and stronger than what rounding to whole levels may make up: squared levels a pixel.
-constexpr double kRounding = 0.01;
+constexpr double kRoundingOfSums = 0.01;
 // An axis of which less is shown tells what the other one leaks into it.
 constexpr double kShown = 0.01;
 
@@ -62,7 +62,8 @@ Displacement::Displacement(const Box& box, const MeanPicture& mean, double rate)
   // The mean of many frames has so much less noise.
   const double noise =
       mean.variance() / static_cast<double>(std::max<std::uint64_t>(mean.frames(), 1));
-  invert(static_cast<double>(box_.pixelCount()) * (kTrusted * kSlopeNoise * noise + kRounding));
+  invert(static_cast<double>(box_.pixelCount()) *
+         (kTrusted * kSlopeNoise * noise + kRoundingOfSums));
 }
 
 void Displacement::takeSlopes(const std::vector<float>& levels, const Box& outer) {

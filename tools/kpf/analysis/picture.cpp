@@ -5,8 +5,7 @@
 namespace KPF_TOOL {
 namespace {
 
-constexpr unsigned kReach = 7;           // pixels that a point's box goes to either side
-constexpr float kLevelOf16 = 1 / 256.F;  // 16-bit samples are left-justified
+constexpr unsigned kPointReach = 7;  // pixels that a point's box goes to either side
 
 /// Calls `use` with each grey level, row by row.
 template <class Use>
@@ -36,7 +35,7 @@ bool isInside(const Box& box, const PictureLayout& layout) {
 }
 
 Box boxAround(unsigned x, unsigned y, const PictureLayout& layout) {
-  return grown({x, y, 1, 1}, kReach, layout);
+  return grown({x, y, 1, 1}, kPointReach, layout);
 }
 
 Box grown(const Box& box, unsigned margin, const PictureLayout& layout) {

@@ -6,13 +6,6 @@
 #include <vector>
 
 namespace KPF_TOOL {
-namespace {
-
-struct Release {
-  void operator()(kiss_fftr_state* state) const { kiss_fftr_free(state); }
-};
-
-}  // namespace
 
 class Transform::Plan {
  public:
@@ -35,6 +28,10 @@ class Transform::Plan {
   std::vector<float> powers;
 
  private:
+  struct Release {
+    void operator()(kiss_fftr_state* state) const { kiss_fftr_free(state); }
+  };
+
   std::unique_ptr<kiss_fftr_state, Release> state_;
   std::vector<kiss_fft_cpx> out_;
 };

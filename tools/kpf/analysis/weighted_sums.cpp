@@ -3,8 +3,6 @@
 namespace KPF_TOOL {
 namespace {
 
-constexpr float kLevelOf16 = 1 / 256.F;  // 16-bit samples are left-justified
-
 int sample16(const unsigned char* sample) { return sample[0] | sample[1] << 8; }
 
 }  // namespace

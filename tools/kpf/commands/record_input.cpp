@@ -5,6 +5,7 @@
 #include "format/kpf_layout.h"
 #include "tools/kpf/commands/open.h"
 #include "tools/kpf/media/media.h"
+#include "tools/kpf/recording/record_stream.h"
 #include "tools/kpf/recording/start_time.h"
 #include "tools/kpf/recording/target.h"
 #include "tools/kpf/terminal/interrupt.h"
@@ -12,11 +13,6 @@
 #include "tools/kpf/terminal/tool_error.h"
 
 namespace KPF_TOOL {
-namespace {
-
-constexpr unsigned kLongestSide = 0xFFFF;  // pixels; the header has 16 bits for each side
-
-}  // namespace
 
 std::string checkedHeader(const RecordOptions& options) {
   std::string header = headerPath(options.output);

@@ -25,8 +25,7 @@
 namespace KPF_TOOL {
 namespace {
 
-constexpr unsigned kLongestSide = 0xFFFF;  // pixels
-constexpr double kShareOfRoom = 0.9;       // that a trial may fill: a full disk fails others too
+constexpr double kShareOfRoom = 0.9;  // that a trial may fill: a full disk fails others too
 constexpr std::uint64_t kFewestFrames = 10;
 constexpr double kMinute = 60;  // seconds
 

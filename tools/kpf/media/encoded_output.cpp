@@ -13,7 +13,7 @@
 namespace KPF_TOOL {
 namespace {
 
-constexpr const char* kAdvice =
+constexpr const char* kExtensionAdvice =
     "Give a name in .mkv (lossless), .mp4, .png, .tif (with %06d for more than one), or - .";
 
 /// For looking at: players want colour at half the resolution, and so even sizes.
@@ -41,7 +41,8 @@ Encoding encodingFor(const std::string& name, const PictureFormat& format) {
     if (extension == std::string(".") + muxer) return viewingEncoding(muxer);
   }
   throw ToolError(Outcome::kWrongUsage,
-                  fmt::format("{} has no extension that is known", escaped(name)), kAdvice);
+                  fmt::format("{} has no extension that is known", escaped(name)),
+                  kExtensionAdvice);
 }
 
 }  // namespace
@@ -53,7 +54,7 @@ std::unique_ptr<PictureOutput> openEncodedOutput(const Destination& destination,
   if (encoding.codec == nullptr) {
     throw ToolError(Outcome::kWrongUsage,
                     fmt::format("this FFmpeg has no encoder for {}", escaped(destination.name)),
-                    kAdvice);
+                    kExtensionAdvice);
   }
   return encoding.muxer != nullptr ? openVideoOutput(destination, format, encoding)
                                    : openImageOutput(destination, format, encoding);

@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <chrono>
 
+#include "tools/kpf/frames/samples.h"
 #include "vlm_internal.h"
 
 namespace KPF_TOOL {
 namespace {
 
-constexpr std::size_t kRowAlignment = 4;  // bytes; the library takes rows padded to a multiple
 constexpr std::uint64_t kFirstId = std::uint64_t{1} << 32;  // ids of 64 bits never begin again
 
 std::uint64_t now() {
@@ -23,7 +23,7 @@ InputAsLive::InputAsLive(FrameSource& input, int bits, const Timeline& timeline)
     : input_(input),
       bits_(static_cast<unsigned>(bits)),
       timeline_(timeline),
-      stride_((input.rowSize() + kRowAlignment - 1) / kRowAlignment * kRowAlignment),
+      stride_(paddedRow(input.rowSize())),
       image_(stride_ * input.height()),
       record_(vxGetPackedSize(input.width(), input.height(), bits_)) {}
 

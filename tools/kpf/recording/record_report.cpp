@@ -16,7 +16,7 @@ double milliseconds(std::chrono::nanoseconds duration) {
   return std::chrono::duration<double, std::milli>(duration).count();
 }
 
-double seconds(std::chrono::nanoseconds duration) {
+double inSeconds(std::chrono::nanoseconds duration) {
   return std::chrono::duration<double>(duration).count();
 }
 
@@ -86,7 +86,7 @@ void RecordReport::printDocument(const RecordResult& result, Outcome outcome) co
   json["trouble"] = result.trouble.empty() ? Json(nullptr) : Json(result.trouble);
   json["remarks"] = remarks_;
   // In seconds.
-  json["calls"] = {{"p999", seconds(result.within999)}, {"longest", seconds(result.longest)}};
+  json["calls"] = {{"p999", inSeconds(result.within999)}, {"longest", inSeconds(result.longest)}};
   json["late"] = result.late ? Json(*result.late) : Json(nullptr);
   printJson(json);
 }

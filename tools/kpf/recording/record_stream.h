@@ -10,6 +10,9 @@
 
 namespace KPF_TOOL {
 
+/// Pixels of a row or column that a recording takes: its header has 16 bits for each.
+constexpr unsigned kLongestSide = 0xFFFF;
+
 /// What a recorder needs of a stream.
 class RecordStream {
  public:

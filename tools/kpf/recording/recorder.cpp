@@ -2,12 +2,9 @@
 
 #include <algorithm>
 
+#include "tools/kpf/frames/samples.h"
+
 namespace KPF_TOOL {
-namespace {
-
-constexpr std::size_t kRowAlignment = 4;  // bytes; the library takes rows padded to a multiple
-
-}  // namespace
 
 Recorder::Recorder(FrameSource& input, RecordStream& stream, std::uint64_t frames,
                    const Timeline& timeline)
@@ -15,7 +12,7 @@ Recorder::Recorder(FrameSource& input, RecordStream& stream, std::uint64_t frame
       stream_(stream),
       frames_(frames),
       timeline_(timeline),
-      stride_((input.rowSize() + kRowAlignment - 1) / kRowAlignment * kRowAlignment),
+      stride_(paddedRow(input.rowSize())),
       image_(stride_ * input.height()) {}
 
 void Recorder::run(const std::function<bool()>& stop,

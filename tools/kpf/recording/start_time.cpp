@@ -17,7 +17,7 @@ std::uint32_t microsecondsOf(std::string digits) {
   return static_cast<std::uint32_t>(std::stoul(digits));
 }
 
-StartTime now() {
+StartTime startingNow() {
   using namespace std::chrono;
   const auto since = floor<microseconds>(system_clock::now()).time_since_epoch().count();
   return {static_cast<std::uint64_t>(since / 1000000), static_cast<std::uint32_t>(since % 1000000)};
@@ -37,7 +37,7 @@ std::int64_t secondsOf(const std::smatch& date) {
 }  // namespace
 
 StartTime parseStartTime(const std::string& text) {
-  if (text.empty()) return now();
+  if (text.empty()) return startingNow();
   // Up to 18 digits fit 64 bits; digits behind the microsecond are read and dropped.
   static const std::regex epoch(R"((\d{1,18})(?:\.(\d{1,6})\d*)?)");
   static const std::regex date(

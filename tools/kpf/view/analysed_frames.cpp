@@ -10,7 +10,7 @@
 namespace KPF_TOOL {
 namespace {
 
-constexpr std::uint64_t kMostFrames = 20'000;         // whose curves a page draws at once
+constexpr std::uint64_t kMostPoints = 20'000;         // whose curves a page draws at once
 constexpr std::uint64_t kMostPixels = 1'000'000'000;  // of all frames: seconds of work
 
 }  // namespace
@@ -44,7 +44,7 @@ AnalysedRange::AnalysedRange(const Request& request, ShownRecording& recording,
     first = std::min(wholeOf(request, "from", 0), end - 1);
   }
   const std::uint64_t most =
-      std::clamp<std::uint64_t>(kMostPixels / pixels, kFewestFrames, kMostFrames);
+      std::clamp<std::uint64_t>(kMostPixels / pixels, kFewestFrames, kMostPoints);
   end = static_cast<std::uint32_t>(std::min<std::uint64_t>(end, first + most));
   if (!canAnalyse(recording.header()) || frames() < kFewestFrames) {
     throw ToolError(Outcome::kWrongUsage, "there are too few frames, or they tell no rate",
