@@ -1,11 +1,7 @@
-// What the texts of camera and event options say.
+// What the texts of camera options say, and the line while it records.
 #include <gtest/gtest.h>
 
-#include <cstdint>
-#include <limits>
-
 #include "tools/kpf/cameras/region.h"
-#include "tools/kpf/recording/event.h"
 #include "tools/kpf/recording/live_status.h"
 #include "tools/kpf/terminal/tool_error.h"
 
@@ -25,27 +21,6 @@ TEST(RegionTest, HasASizeAndACorner) {
 TEST(RegionTest, AnythingElseIsRefused) {
   for (const char* const text : {"", "640", "640x", "0x480", "640x480+1", "640x480+-1+0", "a"}) {
     EXPECT_THROW(parseRegion(text), ToolError) << text;
-  }
-}
-
-TEST(EventTest, MotionHasALevelOfGrey) {
-  EXPECT_EQ(parseMotionLevel("motion:2.5"), 2.5);
-  EXPECT_EQ(parseMotionLevel("motion:255"), 255);
-  for (const char* const text : {"motion", "motion:", "motion:-1", "motion:256", "sound:3"}) {
-    EXPECT_THROW(parseMotionLevel(text), ToolError) << text;
-  }
-}
-
-TEST(EventTest, AfterIsFramesOrSeconds) {
-  const ClipLimit frames = parseAfter("100", 50);
-  EXPECT_EQ(frames.frames, 100U);
-  EXPECT_EQ(frames.nanoseconds, std::numeric_limits<std::uint64_t>::max());
-  const ClipLimit seconds = parseAfter("2.5s", 50);
-  EXPECT_EQ(seconds.frames, 125U);
-  EXPECT_EQ(seconds.nanoseconds, 2500000000U);
-  EXPECT_EQ(parseAfter("0", 50).frames, 1U);
-  for (const char* const text : {"", "s", "-1", "2.5", "2 s", "1m"}) {
-    EXPECT_THROW(parseAfter(text, 50), ToolError) << text;
   }
 }
 
