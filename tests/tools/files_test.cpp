@@ -66,13 +66,24 @@ class Files : public testing::Test {
 };
 
 TEST_F(Files, ThatMatchAPatternAreFoundByTheirNumbers) {
-  for (const char* name : {"f_001.png", "f_1234.png", "f_01.png", "f_0001.png", "f_001.tif",
-                           "g_001.png", "f_-01.png", "f_00a.png", "f_.png"}) {
+  for (const char* name :
+       {"f_001.png", "f_1234.png", "f_01.png", "f_0001.png", "f_001.tif", "g_001.png", "f_-01.png",
+        "f_00a.png", "f_.png", "f_99999999999999999999.png", "f_.p", "f_001.png.png"}) {
     writeText(folder_ / name, "");
   }
   EXPECT_THAT(ImagePattern::parse(folder_ / "f_%03d.png")->numbersThere(),
               UnorderedElementsAre(1, 1234));
   EXPECT_THAT(ImagePattern::parse(folder_ / "missing/f_%03d.png")->numbersThere(), IsEmpty());
+}
+
+TEST_F(Files, ThatMatchAPatternHaveAFirstAndALast) {
+  const auto pattern = ImagePattern::parse(folder_ / "f_%02d.png");
+  EXPECT_FALSE(pattern->rangeThere());
+  for (const char* name : {"f_12.png", "f_07.png", "f_100.png", "f_005.png"}) {
+    writeText(folder_ / name, "");
+  }
+  EXPECT_EQ(pattern->rangeThere()->first, 7U);
+  EXPECT_EQ(pattern->rangeThere()->last, 100U);
 }
 
 TEST_F(Files, ThatAreThereAreReplacedOnlyByForce) {
@@ -129,6 +140,24 @@ TEST_F(Files, DoNotReplaceWhatHasComeMeanwhile) {
   }
   EXPECT_EQ(readText(destination.name), "somebody else's");
   EXPECT_THAT(entriesBelow(folder_.path()), ElementsAre("new.mkv"));
+}
+
+/// Both ways: no file system of a test machine needs the second one.
+TEST_F(Files, MoveOnlyWhereTheNameIsFree) {
+  for (const auto move : {moveWhereFree, linkWhereFree}) {
+    writeText(folder_ / "from", "new");
+    writeText(folder_ / "to", "old");
+    EXPECT_FALSE(move(folder_ / "from", folder_ / "to"));
+    EXPECT_EQ(errno, EEXIST);
+    EXPECT_EQ(readText(folder_ / "to"), "old");
+    EXPECT_EQ(readText(folder_ / "from"), "new");
+    fs::remove(folder_ / "to");
+    EXPECT_TRUE(move(folder_ / "from", folder_ / "to"));
+    EXPECT_EQ(readText(folder_ / "to"), "new");
+    EXPECT_THAT(entriesBelow(folder_.path()), ElementsAre("to"));
+    EXPECT_FALSE(move(folder_ / "missing", folder_ / "other"));
+    EXPECT_EQ(errno, ENOENT);
+  }
 }
 
 TEST_F(Files, AreWrittenWhole) {

@@ -14,10 +14,10 @@ TEST(RecordReport, WhatWasNotWrittenWeighsMost) {
   EXPECT_EQ(outcomeOf(result), Outcome::kDone);
   result.placeholders = 3;
   EXPECT_EQ(outcomeOf(result), Outcome::kDone);
-  result.damaged = 1;
-  EXPECT_EQ(outcomeOf(result), Outcome::kProblemsFound);
   result.trouble = "ends";
   EXPECT_EQ(outcomeOf(result), Outcome::kCutShort);
+  result.damaged = 1;
+  EXPECT_EQ(outcomeOf(result), Outcome::kProblemsFound);
   result.written = false;
   EXPECT_EQ(outcomeOf(result), Outcome::kWriteFailed);
 }
@@ -70,21 +70,17 @@ TEST_F(ConcludeTest, QuietIsSilentOfSuccessOnly) {
   conclude(true, false);
   EXPECT_EQ(out_ + err_, "");
   result_.damaged = 1;
+  result_.trouble = "1 frame is damaged";
   conclude(true, false);
   EXPECT_EQ(out_, "");
-  EXPECT_EQ(err_,
-            "kpf: ./a.kpf: 5 frames recorded, 1 of them placeholders for what is damaged in the "
-            "input\n");
+  EXPECT_EQ(err_, "kpf: ./a.kpf: 5 frames recorded, 1 placeholder: 1 frame is damaged\n");
 }
 
-TEST_F(ConcludeTest, DamageAndItsReason) {
-  result_.damaged = 1;
+TEST_F(ConcludeTest, AnInputThatEndsEarly) {
   result_.trouble = "a.mkv ends";
   conclude(false, false);
-  EXPECT_TRUE(err_.ends_with("damaged in the input: a.mkv ends\n")) << err_;
-  result_.damaged = 0;
-  conclude(false, false);
-  EXPECT_TRUE(err_.ends_with("kpf: ./a.kpf: 5 frames recorded: a.mkv ends\n")) << err_;
+  EXPECT_EQ(out_, "");
+  EXPECT_TRUE(err_.ends_with("5 frames recorded, 1 placeholder: a.mkv ends\n")) << err_;
 }
 
 TEST_F(ConcludeTest, WhatIsNotOnDiskIsCounted) {

@@ -38,7 +38,7 @@ class ScriptedSource : public FrameSource {
     }
   }
   void skip(std::uint64_t) override {}
-  bool isDamaged() const override { return given_ == damagedAt_; }
+  bool lost() const override { return given_ == damagedAt_; }
 
   std::size_t given() const { return given_; }
   void failAt(std::size_t frame) { failsAt_ = frame; }

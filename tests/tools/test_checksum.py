@@ -105,6 +105,12 @@ class Checksum(RecordingTest):
         self.assertEqual([line.split()[0] for line in self.read().splitlines()[1:]],
                          ["0", "1", "4"])
 
+    def test_recording_that_ends_early_is_no_success(self):
+        self.cut("clip/clip_0001.div", 72)
+        self.assertEqual(self.kpf("checksum", "clip.kpf"), (
+            1, "", "kpf: clip.kpf: the recording ends after 3 of 5 announced frames\n"))
+        self.assertEqual(len(self.read().splitlines()), 4)
+
     def test_what_cannot_be_written_leaves_nothing(self):
         self.write("clip.kpf", header(frames=5000))
         self.write("clip/clip_0001.div", run(range(5000)))

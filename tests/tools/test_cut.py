@@ -50,7 +50,7 @@ class Cut(RecordingTest):
     def test_killed_recording_gets_a_true_header(self):
         self.cut("clip/clip_0001.div", 3 * 24 + 7)
         self.assertEqual(
-            self.cut_out(err="kpf: clip.kpf ends after 3 of 5 announced frames\n"),
+            self.cut_out(err="kpf: clip.kpf: the recording ends after 3 of 5 announced frames\n"),
             "part.kpf: 3 frames\n")
         self.assertEqual(self.read("part.kpf"), header(frames=3))
         self.assertEqual(self.read("part/part_0001.div"), run(range(3)))
@@ -59,7 +59,7 @@ class Cut(RecordingTest):
     def test_frames_that_were_asked_for_and_are_not_there(self):
         self.cut("clip/clip_0001.div", 3 * 24)
         said = ("kpf: --to 4 is beyond the end: the last frame is 2\n"
-                "kpf: clip.kpf ends after 3 of 5 announced frames\n")
+                "kpf: clip.kpf: the recording ends after 3 of 5 announced frames\n")
         self.cut_out("--to", "4", code=1, err=said)
         self.assertEqual(self.read("part.kpf"), header(frames=3))
 

@@ -93,6 +93,24 @@ class Events(VideoTest):
         self.assertEqual([data[at + 16:at + 19] for at in range(0, len(data), size)],
                          [bytes([level, 0, level]) for level in (30, 30, 230, 31)])
 
+    def test_damaged_frames_are_placeholders_and_no_success(self):
+        frames = [self.dark] * 40 + [self.bright, 31]
+        self.write("scene.raw", bytes(b for level in frames for b in scene(level)) + b"torn")
+        code, out, err = self.kpf("record", "scene.raw", "out.kpf", "--before", "1", "--json",
+                                  "--trigger", "motion:100", "--raw", "64x64:gray8")
+        self.assertEqual(code, 1)
+        self.assertEqual(self.levels(), [30, 230, 31, -1])
+        self.assertEqual(json.loads(out)["trouble"], "1 frame is damaged")
+        self.assertIn("kpf: 1 frame is damaged\n", err)
+
+    def test_remarks_stand_in_the_document_too(self):
+        self.write("scene.y4m", y4m([scene(30)] * 3, SIZE, SIZE)
+                   .replace(b" F25:1 ", b" F30000:1001 "))
+        remark = "29.97 frames/s are recorded as 30: the format holds whole rates"
+        code, out, err = self.kpf("record", "scene.y4m", "out.kpf", "--before", "1", "--json")
+        self.assertEqual((code, json.loads(out)["remarks"]), (1, [remark]))
+        self.assertIn("kpf: %s\n" % remark, err)
+
     def begin(self, *arguments):
         """A recording of a terminal's pipe that holds five frames and waits for a signal."""
         terminal = Terminal(self, "record", "-", "out.kpf", "--before", "3", *arguments)

@@ -5,7 +5,7 @@ import struct
 import subprocess
 import unittest
 
-from recordings import KPF, Terminal, header, record
+from recordings import KPF, RecordingTest, Terminal, header, record, run
 from videos import FFPROBE, VideoTest, y4m
 
 
@@ -272,6 +272,19 @@ class Export(VideoTest):
         code, _, err = self.kpf("export", "eight.kpf", "missing/out.mkv")
         self.assertEqual(code, 1)
         self.assertIn("cannot write missing/out.mkv", err)
+
+
+class Piped(RecordingTest):
+    def test_reader_that_goes_away_is_told(self):
+        self.write("clip.kpf", header(width=64, height=64, frames=50))
+        self.write("clip/clip_0001.div", run(range(50), pixels=bytes(range(256)) * 16))
+        with subprocess.Popen([KPF, "export", "clip.kpf", "-"], cwd=self.folder,
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE) as process:
+            process.stdout.read(100)
+            process.stdout.close()
+            err = process.stderr.read()
+            self.assertEqual(process.wait(60), 1)
+        self.assertIn(b"cannot write to standard output: Broken pipe", err)
 
 
 if __name__ == "__main__":

@@ -72,8 +72,10 @@ class Damage(MediaInput):
     def check_spoilt(self, name, numbers):
         code, out, err = self.kpf("record", name, "out.kpf", *self.start)
         self.assertEqual((code, out), (1, ""))
-        self.assertEqual(err, "kpf: ./out.kpf: 50 frames recorded, %d of them placeholders for "
-                              "what is damaged in the input\n" % len(numbers))
+        many = "s" if len(numbers) > 1 else ""
+        self.assertEqual(err, "kpf: ./out.kpf: 50 frames recorded, %d placeholder%s: %d frame%s %s "
+                              "damaged\n" % (len(numbers), many, len(numbers), many,
+                                             "are" if many else "is"))
         size = 64 * 48
         for n, (ours, whole) in enumerate(zip(self.frames(size=size),
                                               self.frames("whole", size))):
@@ -96,15 +98,35 @@ class Damage(MediaInput):
         self.spoil("v.mkv", (10,))
         code, _, err = self.kpf("record", "v.mkv", "out.kpf", *self.start)
         self.assertEqual(code, 1)
-        self.assertRegex(err, r"50 frames recorded, \d+ of them placeholders")
+        self.assertRegex(err, r"50 frames recorded, (\d+) placeholders?: \1 frames? (is|are) damaged\n$")
         self.assertEqual(self.announced(), 50)
+
+    def test_frames_that_an_avi_has_lost_are_missed(self):
+        self.encode("v.avi", "-c:v", "ffv1", "-g", "1")
+        self.cut("v.avi", self.packets("v.avi")[30][1] - 8)  # where a frame begins
+        code, _, err = self.kpf("record", "v.avi", "out.kpf", *self.start)
+        self.assertEqual(code, 1)
+        self.assertIn("30 frames recorded, 0 placeholders: v.avi ends after 1.20 of 2.00 s", err)
+
+    def test_sound_hides_no_early_end(self):
+        self.encode("v.mkv", "-c:v", "ffv1", "-g", "1")
+        sound = ("-f", "lavfi", "-i", "sine=duration=2.1", "-c:v", "copy", "-c:a", "pcm_s16le")
+        for name in ("s.mkv", "s.avi"):
+            subprocess.run([FFMPEG, "-v", "error", "-i", "v.mkv", *sound, name], cwd=self.folder,
+                           check=True, timeout=60)
+            self.assertEqual(self.kpf("record", name, "whole.kpf", "--force", *self.start)[0], 0,
+                             name)
+            self.cut(name, os.path.getsize(self.path(name)) * 6 // 10)
+            code, out, err = self.kpf("record", name, "out.kpf", "--force", *self.start)
+            self.assertEqual((code, out), (1, ""), name)
+            self.assertRegex(err, r"\d+ frames recorded, ")
 
     def test_a_file_that_ends_before_its_end(self):
         self.encode("v.mkv", "-c:v", "ffv1", "-g", "1")
         self.cut("v.mkv", self.packets("v.mkv")[30][1])
         code, out, err = self.kpf("record", "v.mkv", "out.kpf", *self.start)
         self.assertEqual((code, out), (1, ""))
-        self.assertRegex(err, r"30 frames recorded: v.mkv ends after 1.20 of 2.00 s\n")
+        self.assertRegex(err, r"30 frames recorded, 0 placeholders: v.mkv ends after 1.20 of 2.00 s\n")
         self.assertEqual(self.announced(), 30)
         self.assertEqual(self.kpf("verify", "out.kpf")[0], 0)
 
@@ -166,7 +188,7 @@ class PixelFormats(MediaInput):
         self.write("f_3.png", png(bytes(30), 6, 5, 0))
         code, out, err = self.kpf("record", "f_%d.png", "out.kpf", "--rate", "25", *self.start)
         self.assertEqual((code, out), (1, ""))
-        self.assertIn("2 frames recorded: f_%d.png changes its size from 6 x 4 to 6 x 5", err)
+        self.assertIn("2 frames recorded, 0 placeholders: f_%d.png changes its size from 6 x 4 to 6 x 5", err)
         self.assertEqual(self.frames(), [grey] * 2)
         self.assertEqual(self.kpf("verify", "out.kpf")[0], 0)
 
@@ -196,7 +218,7 @@ class WayBack(MediaInput):
             self.write("f_%02d.png" % n, png(bytes(24), 6, 4, 0))
         code, _, err = self.kpf("record", "f_%02d.png", "out.kpf", "--rate", "25", *self.start)
         self.assertEqual(code, 1)
-        self.assertIn("2 frames recorded: f_%02d.png has a gap", err)
+        self.assertIn("2 frames recorded, 0 placeholders: f_%02d.png has a gap", err)
 
     def test_bare_frames(self):
         for pixels, bits, name in (("gray8", "8", "eight"), ("gray16le", "12", "sixteen")):
@@ -237,7 +259,7 @@ class WayBack(MediaInput):
     def test_a_torn_bare_frame_is_damaged(self):
         code, _, err = self.record_piped(bytes(24 * 2 + 5), "--raw", "6x4:gray8", "--rate", "25")
         self.assertEqual(code, 1)
-        self.assertIn("3 frames recorded, 1 of them placeholders", err)
+        self.assertIn("3 frames recorded, 1 placeholder: 1 frame is damaged\n", err)
 
     def test_what_cannot_be_piped_is_told(self):
         head = struct.pack(">I", 32) + b"ftypisom" + bytes(20)

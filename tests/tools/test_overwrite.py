@@ -77,6 +77,19 @@ class Overwrite(VideoTest):
             self.assertIn(b"standard output is what is read", done.stderr)
         self.assertEqual(self.everything(), self.before)
 
+    def test_standard_input_is_the_input_too(self):
+        self.assertEqual(self.kpf("export", "eight.kpf", "own.mkv")[0], 0)
+        before = self.everything()
+        for source, arguments in (
+                ("eight/eight_0001.div", ("record", "-", "eight.kpf", "--raw", "6x4:gray8")),
+                ("own.mkv", ("amplify", "-", "own.mkv", "--frequency", "12"))):
+            with open(self.path(source), "rb") as read:
+                done = subprocess.run([KPF, *arguments, "--force"], cwd=self.folder, timeout=60,
+                                      stdin=read, capture_output=True, check=False)
+            self.assertEqual(done.returncode, 2, arguments)
+            self.assertIn(b"is what is read", done.stderr)
+        self.assertEqual(self.everything(), before)
+
     def test_record_replaces_recordings_only(self):
         self.write("notes.txt", b"v3.0 of my notes")
         self.keeps("no recording", "record", "eight.y4m", "notes.txt", "--force")

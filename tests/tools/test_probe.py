@@ -271,6 +271,31 @@ class Probe(RecordingTest):
             self.probe(*arguments, "--force")
             self.assertNotEqual(self.read(name), b"precious")
 
+    def test_two_files_of_one_name_are_refused(self):
+        os.symlink(".", self.path("here"))
+        for other in ("a.csv", "./a.csv", "here/a.csv", self.path("a.csv")):
+            code, out, err = self.kpf("probe", "clip.kpf", *INSIDE, "--waveform", "a.csv",
+                                      "--spectrum", other, "--force")
+            self.assertEqual((code, out), (2, ""), other)
+            self.assertIn("is to be two files at once", err)
+        self.assertFalse(os.path.exists(self.path("a.csv")))
+
+    def test_extensions_count_in_any_case(self):
+        self.probe(*INSIDE, "--plot", "p.SVG", "--map", "m.Png")
+        self.assertTrue(self.read("p.SVG").startswith(b"<svg"))
+        self.assertTrue(self.read("m.Png").startswith(b"\x89PNG"))
+        self.probe("--map", "m.RAW")
+        self.assertEqual(len(self.read("m.RAW")), 4 * WIDTH * HEIGHT)
+
+    def test_frames_that_are_gone_are_no_success(self):
+        self.cut("clip/clip_0001.div", 150 * (16 + WIDTH * HEIGHT))
+        for wanted in (INSIDE, ("--map", "m.raw"), ("--map", "n.raw", "--frequency", "5")):
+            code, out, err = self.kpf("probe", "clip.kpf", *wanted)
+            self.assertEqual(code, 1)
+            self.assertIn("150 at 100 frames/s", out)
+            self.assertEqual(err, "kpf: clip.kpf: the recording ends after 150 of 200 announced "
+                                  "frames\n")
+
     def test_the_recording_itself_never(self):
         before = self.read("clip/clip_0001.div")
         for option, name in (("--waveform", "clip/clip_0001.div"), ("--spectrum", "clip.kpf")):

@@ -144,6 +144,28 @@ class Record(VideoTest):
             self.check_complete(size // (16 + 64 * 64))
             shutil.rmtree(self.path("out"))
 
+    def test_nobody_need_listen_to_remarks(self):
+        """What cannot be told ends no recording: a full disk behind standard error, a pipe whose
+        reader has gone, a descriptor that is closed."""
+        self.write("odd.y4m", y4m(self.eight, 6, 4).replace(b" F25:1 ", b" F30000:1001 "))
+        with open("/dev/full", "wb") as full:
+            self.assertEqual(self.told_to(full), 0)
+        reader, gone = os.pipe()
+        os.close(reader)
+        with os.fdopen(gone, "wb") as pipe:
+            self.assertEqual(self.told_to(pipe), 0)
+        done = subprocess.run(["sh", "-c", '"$0" record odd.y4m out.kpf --force 2>&-', KPF],
+                              cwd=self.folder, stdout=subprocess.DEVNULL, timeout=60, check=False)
+        self.assertEqual(done.returncode, 0)
+        self.check_complete(5)
+
+    def told_to(self, stream):
+        """The exit code of a recording that has something to say."""
+        done = subprocess.run([KPF, "record", "odd.y4m", "out.kpf", "--force"], cwd=self.folder,
+                              stdout=subprocess.DEVNULL, stderr=stream, timeout=60, check=False)
+        self.check_complete(5)
+        return done.returncode
+
     def test_recording_outlives_its_terminal_where_that_is_wanted(self):
         with subprocess.Popen(["nohup", KPF, "record", "-", "out.kpf"], cwd=self.folder,
                               stdin=subprocess.PIPE, stdout=subprocess.PIPE,

@@ -317,13 +317,23 @@ class Verify(RecordingTest):
             self.assertEqual((code, out), (2, ""), command)
             self.assertIn("Too many levels of symbolic links", err)
 
-    @unittest.skipIf(os.geteuid() == 0, "root may read everything")
     def test_no_permission_is_not_missing(self):
+        self.give_up_rights()
+        self.addCleanup(os.chmod, self.path("clip"), 0o755)
         os.chmod(self.path("clip"), 0)
         self.assertEqual(self.problems(), ["./clip, byte 0: Permission denied"])
         os.chmod(self.path("clip"), 0o755)
         os.chmod(self.path(DIV), 0)
-        self.assertIn("./clip/clip_0001.div, byte 0: Permission denied", self.problems()[0])
+        self.assertIn("./clip/clip_0001.div, record 0, byte 0: Permission denied",
+                      self.problems()[0])
+        for command, code in ((("info",), 1), (("export", "-"), 1), (("checksum",), 1),
+                              (("cut", "out.kpf"), 1)):
+            got, _, err = self.kpf(command[0], "clip.kpf", *command[1:])
+            self.assertEqual(got, code, command)
+        os.chmod(self.path("clip.kpf"), 0)
+        code, _, err = self.kpf("verify", "clip.kpf")
+        self.assertEqual(code, 2)
+        self.assertIn("Permission denied", err)
 
     def test_folder_in_place_of_a_data_file(self):
         os.remove(self.path(DIV))

@@ -11,6 +11,7 @@
 #include "tools/kpf/terminal/json.h"
 #include "tools/kpf/terminal/nearest.h"
 #include "tools/kpf/terminal/standard_output.h"
+#include "tools/kpf/terminal/tell.h"
 #include "tools/kpf/terminal/text.h"
 #include "tools/kpf/terminal/tool_error.h"
 
@@ -41,7 +42,7 @@ Outcome failed(const CLI::App& app, const ToolError& error) {
 
 /// Also where nobody listens: {fmt} would throw when standard error is closed.
 void complain(const std::string& what, const std::string& advice) {
-  std::fputs(fmt::format("kpf: {}\n{}\n", what, advice).c_str(), stderr);
+  tell("kpf: {}\n{}\n", what, advice);
 }
 
 Outcome report(const CLI::App& app, const ToolError& error) {

@@ -25,6 +25,7 @@
 #include "tools/kpf/terminal/captured_output.h"
 #include "tools/kpf/terminal/interrupt.h"
 #include "tools/kpf/terminal/progress.h"
+#include "tools/kpf/terminal/tell.h"
 #include "tools/kpf/terminal/text.h"
 #include "tools/kpf/terminal/tool_error.h"
 
@@ -225,11 +226,11 @@ Outcome runAmplify(const AmplifyOptions& options) {
   const CapturedOutput captured;  // from here on standard output is the library's
   const std::uint64_t shown = job.run();
   if (Interrupt::requested()) {
-    fmt::print(stderr, "kpf: interrupted after {} frames\n", shown);
+    tell("kpf: interrupted after {} frames\n", shown);
     return Outcome::kCutShort;
   }
   for (const std::string& line : job.remarks()) remark(options.quiet, line);
-  if (shown > 0) return endOf(*source, options.input);
+  if (shown > 0) return endOf(source->flaw(), options.input);
   throw noSuchFrames(options.input, "it ends before them");
 }
 

@@ -7,6 +7,7 @@
 #include "tools/kpf/cameras/camera.h"
 #include "tools/kpf/commands/commands.h"
 #include "tools/kpf/terminal/json.h"
+#include "tools/kpf/terminal/tell.h"
 #include "tools/kpf/terminal/text.h"
 
 namespace KPF_TOOL {
@@ -50,7 +51,7 @@ Outcome runCameras(const CamerasOptions& options) {
     return Outcome::kDone;
   }
   for (const CameraDescription& camera : list.cameras) print(camera);
-  if (list.cameras.empty()) fmt::print(stderr, "kpf: no camera was found\n{}\n", list.nothing);
+  if (list.cameras.empty()) tell("kpf: no camera was found\n{}\n", list.nothing);
   return Outcome::kDone;
 }
 

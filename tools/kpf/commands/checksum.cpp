@@ -14,6 +14,7 @@
 #include "tools/kpf/records/record_walk.h"
 #include "tools/kpf/terminal/interrupt.h"
 #include "tools/kpf/terminal/progress.h"
+#include "tools/kpf/terminal/tell.h"
 #include "tools/kpf/terminal/text.h"
 #include "tools/kpf/terminal/tool_error.h"
 
@@ -45,7 +46,7 @@ Outcome runChecksum(const ChecksumOptions& options) {
   RecordWalk walk(recording);
   ChecksumWriter writer(file.path(), recording.header().identifier);
   if (!writeChecksums(walk, writer, options.quiet)) {
-    fmt::print(stderr, "kpf: interrupted, no checksums are kept\n");
+    tell("kpf: interrupted, no checksums are kept\n");
     return Outcome::kCutShort;
   }
   if (!writer.close()) {
@@ -53,9 +54,9 @@ Outcome runChecksum(const ChecksumOptions& options) {
                     fmt::format("cannot write {}", escaped(destination.name)), "Free some space.");
   }
   file.commit();
-  const std::string flaw = walk.flaw();
+  const std::string flaw = walk.flaw().empty() ? walk.earlyEnd() : walk.flaw();
   if (!flaw.empty()) {
-    fmt::print(stderr, "kpf: {}: {}\n", escaped(options.file), flaw);
+    tell("kpf: {}: {}\n", escaped(options.file), flaw);
     return Outcome::kProblemsFound;
   }
   if (!options.quiet) {

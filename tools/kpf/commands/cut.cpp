@@ -16,6 +16,7 @@
 #include "tools/kpf/records/record_walk.h"
 #include "tools/kpf/terminal/interrupt.h"
 #include "tools/kpf/terminal/progress.h"
+#include "tools/kpf/terminal/tell.h"
 #include "tools/kpf/terminal/text.h"
 
 namespace KPF_TOOL {
@@ -30,11 +31,6 @@ struct CutOptions {
   bool force = false;     // replace another recording
   bool quiet = false;
 };
-
-/// Frames that a recording says it has, and has not: it was cut short.
-bool endsEarly(const Recording& recording, const RecordWalk& walk) {
-  return walk.places() < recording.header().frameCount;
-}
 
 /// What goes into the new recording for the one at `place`: where that is lost, a placeholder.
 std::vector<unsigned char> recordFor(RecordWalk& walk, std::uint32_t place, std::uint32_t newPlace,
@@ -62,24 +58,22 @@ std::uint32_t copyRecords(const Recording& recording, RecordWalk& walk, RecordWr
 }
 
 /// Prints the last lines.
-Outcome conclude(const Recording& recording, const RecordWalk& walk, const CutOptions& options,
-                 std::uint32_t done, std::uint32_t frames) {
+Outcome conclude(const RecordWalk& walk, const CutOptions& options, std::uint32_t done,
+                 std::uint32_t frames) {
   const std::string flaw = walk.flaw();
-  if (!flaw.empty()) fmt::print(stderr, "kpf: {}: {}\n", escaped(options.input), flaw);
+  if (!flaw.empty()) tell("kpf: {}: {}\n", escaped(options.input), flaw);
   if (done < frames) {
-    fmt::print(stderr, "kpf: {} of {} frames copied: interrupted\n", done, frames);
+    tell("kpf: {} of {} frames copied: interrupted\n", done, frames);
     return Outcome::kCutShort;
   }
   const bool endWanted = !options.range.to || *options.range.to >= walk.places();
-  const bool early = endWanted && endsEarly(recording, walk);
-  if (early) {
-    remark(options.quiet,
-           fmt::format("{} ends after {} of {} announced frames", escaped(options.input),
-                       walk.places(), recording.header().frameCount));
+  const std::string early = endWanted ? walk.earlyEnd() : "";
+  if (!early.empty()) {
+    remark(options.quiet, fmt::format("{}: {}", escaped(options.input), early));
   }
   if (!options.quiet) fmt::print("{}: {}\n", escaped(options.output), countText(done, "frame"));
   // Who names no end wants what is there; who names one that is not there does not get it.
-  return flaw.empty() && !(early && options.range.to) ? Outcome::kDone : Outcome::kCutShort;
+  return flaw.empty() && (early.empty() || !options.range.to) ? Outcome::kDone : Outcome::kCutShort;
 }
 
 Outcome runCut(const CutOptions& options) {
@@ -100,7 +94,7 @@ Outcome runCut(const CutOptions& options) {
   RecordWriter writer(header, recording);
   const std::uint32_t done = copyRecords(recording, walk, writer, options, frames);
   if (done > 0) writer.finish();
-  return conclude(recording, walk, options, done, frames);
+  return conclude(walk, options, done, frames);
 }
 
 }  // namespace

@@ -15,6 +15,7 @@
 #include "tools/kpf/frames/recorded_frames.h"
 #include "tools/kpf/terminal/interrupt.h"
 #include "tools/kpf/terminal/progress.h"
+#include "tools/kpf/terminal/tell.h"
 #include "tools/kpf/terminal/text.h"
 
 namespace KPF_TOOL {
@@ -116,8 +117,8 @@ Outcome runExport(const ExportOptions& options) {
   const std::uint64_t done = copy.run(frames);
   if (!copy.anyShown() && done > 0) throw noSuchFrames(options.file, "all of them were lost");
   list.finish(copy.lost(), options.file, done);
-  if (done == frames) return endOf(*source, options.file);
-  fmt::print(stderr, "kpf: {} of {} frames exported: interrupted\n", done, frames);
+  if (done == frames) return endOf(source->flaw(), options.file);
+  tell("kpf: {} of {} frames exported: interrupted\n", done, frames);
   return Outcome::kCutShort;
 }
 

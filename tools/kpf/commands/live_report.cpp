@@ -7,6 +7,7 @@
 #include <cstdio>
 
 #include "tools/kpf/terminal/json.h"
+#include "tools/kpf/terminal/tell.h"
 #include "tools/kpf/terminal/text.h"
 
 namespace KPF_TOOL {
@@ -31,39 +32,38 @@ std::string lossText(const LiveTally& tally) {
 }
 
 /// What a user has to know of the times.
-void reportClock(const LiveResult& result) {
+void remarkOnClock(const LiveResult& result, RecordReport& remarks) {
   if (result.clockMissing) {
-    fmt::print(stderr, "kpf: the camera tells no times: those of the system were taken\n");
+    remarks.remark("the camera tells no times: those of the system were taken");
   }
   if (result.clockResets > 0) {
-    fmt::print(stderr, "kpf: the camera's clock was set back {}: the times go on by the system's\n",
-               countText(result.clockResets, "time"));
+    remarks.remark(
+        fmt::format("the camera's clock was set back {}: the times go on by the system's",
+                    countText(result.clockResets, "time")));
   }
   if (std::abs(result.drift) >= kDriftTold) {
-    fmt::print(stderr,
-               "kpf: the camera's clock {} {:.0f} ms against the system's; --clock system takes "
-               "that one\n",
-               result.drift > 0 ? "lost" : "gained", std::abs(result.drift) * 1e3);
+    remarks.remark(fmt::format(
+        "the camera's clock {} {:.0f} ms against the system's; --clock system takes that one",
+        result.drift > 0 ? "lost" : "gained", std::abs(result.drift) * 1e3));
   }
 }
 
 void reportTrouble(const LiveResult& result) {
   for (const Clip& clip : result.clips) {
     if (clip.whole) continue;
-    fmt::print(stderr,
-               "kpf: {}: not all of {} are on disk: the files could not be written, is the disk "
-               "full?\nWhat is there can be read; kpf verify tells what is missing.\n",
-               escaped(clip.header), countText(clip.frames, "frame"));
+    tell(
+        "kpf: {}: not all of {} are on disk: the files could not be written, is the disk "
+        "full?\nWhat is there can be read; kpf verify tells what is missing.\n",
+        escaped(clip.header), countText(clip.frames, "frame"));
   }
-  if (!result.trouble.empty()) fmt::print(stderr, "kpf: {}\n", result.trouble);
+  if (!result.trouble.empty()) tell("kpf: {}\n", result.trouble);
   if (!result.clips.empty()) return;
   const bool none = result.tally.received == 0;
-  fmt::print(stderr, "kpf: nothing is recorded: {}\n",
-             none ? "no whole frame came" : "nothing began it");
-  if (none) fmt::print(stderr, "Look at its trigger mode, its packet size, and the firewall.\n");
+  tell("kpf: nothing is recorded: {}\n", none ? "no whole frame came" : "nothing began it");
+  if (none) tell("Look at its trigger mode, its packet size, and the firewall.\n");
 }
 
-Json json(const LiveResult& result) {
+Json json(const LiveResult& result, const RecordReport& remarks) {
   Json clips = Json::array();
   for (const Clip& clip : result.clips) {
     clips.push_back({{"file", clip.header},
@@ -81,7 +81,8 @@ Json json(const LiveResult& result) {
           {"slowestWriteSeconds", result.worstCall},
           {"clockDriftSeconds", result.drift},
           {"clockSetBack", result.clockResets},
-          {"trouble", result.trouble}};
+          {"trouble", result.trouble},
+          {"remarks", remarks.remarks()}};
 }
 
 void print(const LiveResult& result) {
@@ -98,12 +99,12 @@ void print(const LiveResult& result) {
 
 }  // namespace
 
-Outcome report(const LiveResult& result, const RecordOptions& options) {
+Outcome report(const LiveResult& result, const RecordOptions& options, RecordReport& remarks) {
   reportTrouble(result);
-  if (!options.quiet) reportClock(result);
+  remarkOnClock(result, remarks);
   const Outcome outcome = outcomeOf(result, options);
   if (options.json) {
-    printJson(json(result));
+    printJson(json(result, remarks));
   } else if (!options.quiet || outcome != Outcome::kDone) {
     print(result);
   }

@@ -8,6 +8,7 @@
 #include "tools/kpf/commands/record_options.h"
 #include "tools/kpf/recording/clip_files.h"
 #include "tools/kpf/recording/live_recorder.h"
+#include "tools/kpf/recording/record_report.h"
 #include "tools/kpf/terminal/outcome.h"
 
 namespace KPF_TOOL {
@@ -24,8 +25,8 @@ struct LiveResult {
   double worstCall = 0;  // seconds
 };
 
-/// Prints it.
-Outcome report(const LiveResult& result, const RecordOptions& options);
+/// Prints it. @param remarks what was worth knowing so far; what is of the clock joins it.
+Outcome report(const LiveResult& result, const RecordOptions& options, RecordReport& remarks);
 
 }  // namespace KPF_TOOL
 

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 
+#include "tools/kpf/terminal/tell.h"
 #include "tools/kpf/terminal/text.h"
 
 namespace KPF_TOOL {
@@ -26,7 +27,7 @@ void LostList::finish(const LostFrames& lost, const std::string& input,
                                    countText(frames, "frame"), lost.count() == 1 ? "was" : "were",
                                    lost.text(), lost.shownText());
     if (!list_.name.empty()) line += fmt::format("; {} lists them", escaped(list_.name));
-    fmt::print(stderr, "kpf: {}\n", line);
+    tell("kpf: {}\n", line);
   }
   if (list_.name.empty()) return;
   if (lost.count() > 0) {

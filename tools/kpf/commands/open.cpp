@@ -13,6 +13,7 @@
 #include "tools/kpf/frames/recorded_frames.h"
 #include "tools/kpf/media/media.h"
 #include "tools/kpf/recording/target.h"
+#include "tools/kpf/terminal/tell.h"
 #include "tools/kpf/terminal/text.h"
 
 namespace KPF_TOOL {
@@ -46,7 +47,7 @@ std::unique_ptr<FrameSource> openRecordedFrames(const std::string& name, Samples
 
 FileIds filesRead(const std::string& name) {
   if (isRecording(name)) return filesOfRecording(name);
-  std::vector<std::string> files = {name};
+  std::vector<std::string> files = {name == "-" ? "/dev/stdin" : name};
   if (const auto pattern = ImagePattern::parse(name)) {
     for (const std::uint64_t number : pattern->numbersThere()) {
       files.push_back(pattern->nameOf(number));
@@ -90,13 +91,12 @@ std::string beyondEnd(const FrameRange& range, std::uint64_t count) {
 }
 
 void remark(bool quiet, const std::string& line) {
-  if (!quiet && !line.empty()) fmt::print(stderr, "kpf: {}\n", line);
+  if (!quiet && !line.empty()) tell("kpf: {}\n", line);
 }
 
-Outcome endOf(const FrameSource& source, const std::string& name) {
-  const std::string flaw = source.flaw().empty() ? source.trouble() : source.flaw();
+Outcome endOf(const std::string& flaw, const std::string& name) {
   if (flaw.empty()) return Outcome::kDone;
-  fmt::print(stderr, "kpf: {}: {}\n", escaped(name), flaw);
+  tell("kpf: {}: {}\n", escaped(name), flaw);
   return Outcome::kCutShort;
 }
 

@@ -53,9 +53,9 @@ std::string beyondEnd(const FrameRange& range, std::uint64_t count);
 /// Prints a line that is worth knowing and no failure; an empty one is none.
 void remark(bool quiet, const std::string& line);
 
-/// How a command ends that took all it was asked for from `source`: a flaw of it is told, and is no
-/// success.
-Outcome endOf(const FrameSource& source, const std::string& name);
+/// How a command ends that took all it was asked for from an input: a flaw of that is told, and is
+/// no success. @param flaw see FrameSource::flaw.
+Outcome endOf(const std::string& flaw, const std::string& name);
 
 }  // namespace KPF_TOOL
 

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -83,9 +84,14 @@ Destination destinationOf(const std::string& name, const ProbeOptions& options) 
 
 /// Before all the work, not behind it.
 void checkDestinations(const ProbeOptions& options) {
+  std::set<std::filesystem::path> taken;
   for (const std::string* name :
        {&options.waveform, &options.spectrum, &options.plot, &options.map}) {
     if (name->empty()) continue;
+    if (!taken.insert(std::filesystem::weakly_canonical(std::filesystem::absolute(*name))).second) {
+      throw wrongUsage(fmt::format("{} is to be two files at once", escaped(*name)),
+                       "Give each of them a name of its own.");
+    }
     const std::filesystem::path folder = std::filesystem::path(*name).parent_path();
     if (!folder.empty() && !std::filesystem::is_directory(folder)) {
       throw ToolError(Outcome::kRefused,
@@ -177,7 +183,7 @@ Outcome runProbe(const ProbeOptions& options) {
   } else {
     printReport(report);
   }
-  return Outcome::kDone;
+  return endOf(report.box ? report.box->flaw : report.map->flaw, options.file);
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 #include <string>
 #include <system_error>
 
-#include "kpf_reader.h"
 #include "tools/kpf/commands/commands.h"
 #include "tools/kpf/commands/open.h"
 #include "tools/kpf/commands/record_input.h"
@@ -29,14 +28,6 @@
 
 namespace KPF_TOOL {
 namespace {
-
-/// Looks at the files themselves: what the writer believes is no proof.
-std::uint64_t recordsOnDisk(const std::string& header) try {
-  const KPF_READER::Recording recording(header, KPF_READER::Access::kSparse);
-  return recording.recordCount();
-} catch (const KPF_READER::RecordingError&) {
-  return 0;  // somebody took the header away
-}
 
 std::uint64_t recordSizeOf(const FrameSource& input, const RecordOptions& options) {
   return vxGetPackedSize(input.width(), input.height(), static_cast<unsigned>(options.videoBits()));
@@ -63,7 +54,7 @@ std::string timeRemark(const Timeline& timeline, const RecordOptions& options) {
                      "--fill-gaps keeps their places");
 }
 
-/// Runs the loop. @return why the input ended before its end; empty where it did not.
+/// Runs the loop. @return what is wrong with the input; empty where nothing is.
 std::string runLoop(Recorder& recorder, const FrameSource& input, const CapturedOutput& captured,
                     std::uint64_t total, bool quiet) {
   Progress progress(quiet, total);
@@ -71,9 +62,10 @@ std::string runLoop(Recorder& recorder, const FrameSource& input, const Captured
     recorder.run([&captured] { return Interrupt::requested() || captured.any(); },
                  [&progress](std::uint64_t written) { progress.show(written); });
   } catch (const ToolError& error) {  // what was recorded so far is closed in good order
-    return fmt::format("{}; {}", error.what(), error.advice());
+    const std::string flaw = input.flaw();
+    return fmt::format("{}{}{}; {}", flaw, flaw.empty() ? "" : ", ", error.what(), error.advice());
   }
-  return input.trouble();
+  return input.flaw();
 }
 
 RecordResult resultOf(const std::string& header, const Recorder& recorder, const TimedStream& timed,

@@ -28,6 +28,7 @@
 #include "tools/kpf/terminal/interrupt.h"
 #include "tools/kpf/terminal/machine.h"
 #include "tools/kpf/terminal/status_line.h"
+#include "tools/kpf/terminal/tell.h"
 #include "tools/kpf/terminal/text.h"
 #include "tools/kpf/terminal/tool_error.h"
 #include "vlm_internal.h"
@@ -75,8 +76,8 @@ LiveInput openCameraInput(const RecordOptions& options, RecordReport& report) {
   if (input.camera->rate() > 0) own.rate = 0;
   input.rate = wholeRate(own, input.camera->rate(), report);
   if (!options.quiet) {
-    fmt::print(stderr, "kpf: {}, {} x {}, {:g} frames/s, {} buffers\n", input.camera->description(),
-               input.width, input.height, input.rate, input.buffers);
+    tell("kpf: {}, {} x {}, {:g} frames/s, {} buffers\n", input.camera->description(), input.width,
+         input.height, input.rate, input.buffers);
   }
   return input;
 }
@@ -130,7 +131,7 @@ void tellWhatIsAwaited(const RecordOptions& options) {
   if (options.input != "-") ways.emplace_back("Enter");
   if (!startSignalText().empty()) ways.push_back(startSignalText());
   if (!options.live.trigger.empty()) ways.push_back(escaped(options.live.trigger));
-  fmt::print(stderr, "kpf: nothing is written until {}\n", fmt::join(ways, " or "));
+  tell("kpf: nothing is written until {}\n", fmt::join(ways, " or "));
 }
 
 /// Memory that the system does not have would be given all the same, and fail when it is used.
@@ -235,7 +236,7 @@ Outcome recordLive(const RecordOptions& options) {
     result.buffers = input->buffers;
     result.worstCall = files.worstCall();
   }
-  return report(result, own);
+  return report(result, own, remarks);
 }
 
 }  // namespace KPF_TOOL

@@ -84,7 +84,9 @@ Outcome runSheet(const SheetOptions& options) {
                                  {page.width(), page.height(), Samples::k8Bit, 1, 0, 1});
   output->add(page.rows());
   output->finish();
-  return Outcome::kDone;
+  const Outcome ofSource = endOf(source->flaw(), options.source);
+  const Outcome ofRecording = endOf(recording->flaw(), options.recording);
+  return ofSource == Outcome::kDone ? ofRecording : ofSource;
 }
 
 }  // namespace

@@ -18,6 +18,7 @@
 #include "tools/kpf/terminal/interrupt.h"
 #include "tools/kpf/terminal/json.h"
 #include "tools/kpf/terminal/progress.h"
+#include "tools/kpf/terminal/tell.h"
 #include "tools/kpf/terminal/text.h"
 #include "tools/kpf/terminal/tool_error.h"
 #include "vlm_internal.h"
@@ -211,7 +212,7 @@ Outcome runSpeed(const SpeedOptions& options) {
   Trial trial(options);
   const DiskSpeed speed = trial.run();
   if (speed.cutShort) {
-    fmt::print(stderr, "kpf: interrupted; what was written is removed\n");
+    tell("kpf: interrupted; what was written is removed\n");
     return Outcome::kCutShort;
   }
   if (options.json) {

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <charconv>
 #include <filesystem>
 #include <system_error>
@@ -58,6 +59,13 @@ std::vector<std::uint64_t> ImagePattern::numbersThere() const {
     if (const auto number = numberIn(entry.path().filename().string())) numbers.push_back(*number);
   }
   return numbers;
+}
+
+std::optional<ImagePattern::Range> ImagePattern::rangeThere() const {
+  const std::vector<std::uint64_t> numbers = numbersThere();
+  if (numbers.empty()) return std::nullopt;
+  const auto [first, last] = std::minmax_element(numbers.begin(), numbers.end());
+  return Range{*first, *last};
 }
 
 }  // namespace KPF_TOOL

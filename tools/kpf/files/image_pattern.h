@@ -26,6 +26,13 @@ class ImagePattern {
   /// The numbers of the images that are there, in no order; none in a folder that cannot be read.
   std::vector<std::uint64_t> numbersThere() const;
 
+  struct Range {
+    std::uint64_t first;
+    std::uint64_t last;
+  };
+  /// The lowest and the highest of them; nothing where there is none.
+  std::optional<Range> rangeThere() const;
+
  private:
   std::optional<std::uint64_t> numberIn(const std::string& fileName) const;
 

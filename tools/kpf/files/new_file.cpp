@@ -60,6 +60,23 @@ void checkFree(const std::string& name, const Destination& destination) {
   }
 }
 
+bool moveWhereFree(const std::string& from, const std::string& to) {
+#ifdef RENAME_NOREPLACE
+  const int result = renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE);
+  if (result == 0 || (errno != EINVAL && errno != ENOSYS)) return result == 0;
+#endif
+  return linkWhereFree(from, to);
+}
+
+bool linkWhereFree(const std::string& from, const std::string& to) {
+  if (link(from.c_str(), to.c_str()) == 0) {
+    unlink(from.c_str());
+    return true;
+  }
+  // Where there are no links either, this one look has to do.
+  return errno != EEXIST && std::rename(from.c_str(), to.c_str()) == 0;
+}
+
 // With the process in the name two of them do not meet.
 NewFile::NewFile(const std::string& name, const Destination& destination)
     : name_(name),
@@ -87,9 +104,16 @@ void NewFile::write(const void* bytes, std::size_t size) {
 }
 
 void NewFile::commit() {
-  checkFree(name_, destination_);
-  if (std::rename(temporary_.c_str(), name_.c_str()) != 0) throw cannotWrite(name_);
-  done_ = true;
+  if (destination_.force) {
+    checkFree(name_, destination_);
+    done_ = std::rename(temporary_.c_str(), name_.c_str()) == 0;
+  } else {
+    done_ = moveWhereFree(temporary_, name_);
+  }
+  if (done_) return;
+  const int error = errno;
+  if (error == EEXIST) checkFree(name_, destination_);  // which tells what is in the way
+  throw cannotWriteFile(name_, error);
 }
 
 }  // namespace KPF_TOOL

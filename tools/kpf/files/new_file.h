@@ -21,6 +21,13 @@ struct Destination {
 /// @throws ToolError when something is there that may not be replaced.
 void checkFree(const std::string& name, const Destination& destination);
 
+/// Gives a file another name where nothing has it yet, in one step, as no check beforehand can.
+/// @return false, and the system's number in errno, when it has not.
+bool moveWhereFree(const std::string& from, const std::string& to);
+
+/// The same by a link, for file systems that do not know that step.
+bool linkWhereFree(const std::string& from, const std::string& to);
+
 /// @param error of the system, by its number.
 ToolError cannotWriteFile(const std::string& name, int error);
 

@@ -30,15 +30,8 @@ class FrameSource {
   /// Goes on to the next frame, the first one at first; false at the end.
   virtual bool next() = 0;
 
-  /// Whether the present frame is not what its recorder or encoder saw: some of it was made up, or
-  /// all of it.
-  virtual bool isDamaged() const { return false; }
-
   /// What a player shows in another way than these frames are, or leaves out, or adds: a line each.
   virtual std::vector<std::string> remarks() const { return {}; }
-
-  /// At the end: why it came before that of the input, where it did.
-  virtual std::string trouble() const { return {}; }
 
   /// When the present frame is shown, in seconds from wherever the source counts; nothing where it
   /// does not say.
@@ -54,11 +47,13 @@ class FrameSource {
   /// go on.
   virtual bool back() { return false; }
 
-  /// Whether the present frame was lost: it keeps its place, and its samples are 0.
+  /// Whether the present frame is not what its recorder or encoder saw: it keeps its place, and
+  /// some or all of its samples are made up.
   virtual bool lost() const { return false; }
 
-  /// What of the frames so far the source should have had and did not, in words for the user; empty
-  /// when all were as they should be. Frames that were recorded as lost are no such thing.
+  /// What of the frames so far the source should have had and did not, an end that came early
+  /// included, in words for the user; empty when all were as they should be. Frames that were
+  /// recorded as lost are no such thing.
   virtual std::string flaw() const { return ""; }
 
   /// Bytes of a row without padding.

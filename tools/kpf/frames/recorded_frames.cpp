@@ -1,7 +1,5 @@
 #include "tools/kpf/frames/recorded_frames.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -55,13 +53,9 @@ class RecordedFrames : public FrameSource {
   bool lost() const override { return !present_ || present_->placeholder; }
 
   std::string flaw() const override {
-    std::string text = records_.flaw();
-    if (next_ >= records_.places() && records_.places() < recording_.header().frameCount) {
-      text +=
-          fmt::format("{}the recording ends after {} of {} announced frames",
-                      text.empty() ? "" : ", ", records_.places(), recording_.header().frameCount);
-    }
-    return text;
+    const std::string text = records_.flaw();
+    const std::string end = next_ >= records_.places() ? records_.earlyEnd() : "";
+    return text.empty() || end.empty() ? text + end : text + ", " + end;
   }
 
   void copyTo(unsigned char* out, std::size_t stride) override {

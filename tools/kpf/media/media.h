@@ -29,7 +29,7 @@ bool tellsNoRate(const std::string& name, const MediaHints& hints);
  *
  * Grey sources are taken as they are: shifted to the left where they have more than 8 bits, cut to
  * their upper bits where fewer are wanted. Colour is turned into grey of the full range. A frame
- * that is damaged keeps its place, see FrameSource::isDamaged.
+ * that is damaged keeps its place, see FrameSource::lost.
  *
  * @param name a path, an image pattern like `frame_%04d.png`, `/dev/video0`, or `-`.
  * @throws ToolError when nothing there is a video, and while frames are decoded.

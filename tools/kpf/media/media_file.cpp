@@ -3,8 +3,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <optional>
+#include <string_view>
 
-#include "tools/kpf/media/image_numbers.h"
+#include "tools/kpf/files/image_pattern.h"
 #include "tools/kpf/media/stream_remarks.h"
 #include "tools/kpf/terminal/interrupt.h"
 #include "tools/kpf/terminal/text.h"
@@ -21,6 +23,8 @@ constexpr const char* kPipeAdvice =
 // Frames by which a file may end before its own length: containers round, and count the last one
 // or do not.
 constexpr double kFramesOfDoubt = 2.5;
+// Seconds more where there is sound, whose packets are longer and padded.
+constexpr double kDoubtOfSound = 0.2;
 
 #ifdef KPF_OPENS_CAMERAS
 const AVInputFormat* cameraFormat(const std::string&) {
@@ -34,6 +38,14 @@ const AVInputFormat* cameraFormat(const std::string& name) {
                   "Install libavdevice-dev, and build it again.");
 }
 #endif
+
+/// How long the file says that the longest of its streams is, which need not be the video.
+double announcedSeconds(const AVFormatContext& format, const AVStream& video) {
+  const double seconds = static_cast<double>(format.duration) / AV_TIME_BASE;
+  if (std::string_view(format.iformat->name) != "avi") return seconds;
+  // Of these FFmpeg shortens the length to what the size of the file has room for.
+  return std::max(seconds, static_cast<double>(video.nb_frames) * av_q2d(video.time_base));
+}
 
 bool isCamera(const std::string& name) { return name.starts_with("/dev/video"); }
 
@@ -72,7 +84,8 @@ void MediaFile::open() {
     options.set("video_size", hints_.rawSize);
     options.set("pixel_format", hints_.rawFormat);
   }
-  const auto numbers = imageNumbers(name_);
+  const auto pattern = ImagePattern::parse(name_);
+  const auto numbers = pattern ? pattern->rangeThere() : std::nullopt;
   if (numbers && kind == nullptr) {
     kind = av_find_input_format("image2");
     options.set("start_number", std::to_string(numbers->first));
@@ -143,19 +156,19 @@ bool MediaFile::read(AVPacket& packet) {
       noteEnd(result);
       return false;
     }
-    if (packet.stream_index == stream_) break;
+    note(packet);
+    if (packet.stream_index == stream_) return true;
     av_packet_unref(&packet);
   }
-  note(packet);
-  return true;
 }
 
 void MediaFile::note(const AVPacket& packet) {
-  ++packets_;
+  if (packet.stream_index == stream_) ++packets_;
   if (packet.pts == AV_NOPTS_VALUE) return;
-  const std::int64_t start = stream().start_time == AV_NOPTS_VALUE ? 0 : stream().start_time;
-  const double end = static_cast<double>(packet.pts + packet.duration - start);
-  end_ = std::max(end_, end * av_q2d(stream().time_base));
+  const std::int64_t start = format_->start_time == AV_NOPTS_VALUE ? 0 : format_->start_time;
+  const double end = static_cast<double>(packet.pts + packet.duration) *
+                     av_q2d(format_->streams[packet.stream_index]->time_base);
+  end_ = std::max(end_, end - static_cast<double>(start) / AV_TIME_BASE);
 }
 
 /// Not every end is one: the disk may fail, and a damaged container may lead nowhere.
@@ -169,11 +182,12 @@ void MediaFile::noteEnd(int result) {
   } else if (result != AVERROR_EOF && images_ == 0) {
     trouble_ =
         fmt::format("{} cannot be read any further: {}", escaped(name_), ffmpegError(result));
-  } else if (format_->nb_streams == 1 && format_->duration > 0 && frameRate_ > 0 &&
+  } else if (format_->duration > 0 && frameRate_ > 0 &&
              format_->duration_estimation_method == AVFMT_DURATION_FROM_STREAM) {
-    // What the file says of its own length is the video's where there is nothing else in it.
-    const double announced = static_cast<double>(format_->duration) / AV_TIME_BASE;
-    if (announced - end_ <= kFramesOfDoubt / frameRate_) return;
+    const double announced = announcedSeconds(*format_, stream());
+    const double doubt =
+        kFramesOfDoubt / frameRate_ + (format_->nb_streams > 1 ? kDoubtOfSound : 0);
+    if (announced - end_ <= doubt) return;
     trouble_ = fmt::format("{} ends after {:.2f} of {:.2f} s", escaped(name_), end_, announced);
   }
 }

@@ -57,7 +57,7 @@ class MediaFile {
   double frameRate_ = 0;
   std::uint64_t packets_ = 0;
   std::uint64_t images_ = 0;  // numbers from the first image to the last; 0 for anything else
-  double end_ = 0;            // of the latest frame that was read, in seconds
+  double end_ = 0;            // of the latest packet of any stream, in seconds
   std::string trouble_;
 };
 

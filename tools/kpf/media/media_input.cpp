@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "tools/kpf/files/image_pattern.h"
 #include "tools/kpf/media/decoder.h"
 #include "tools/kpf/media/grey_picture.h"
-#include "tools/kpf/media/image_numbers.h"
 #include "tools/kpf/media/media.h"
 #include "tools/kpf/media/media_file.h"
 #include "tools/kpf/terminal/text.h"
@@ -32,10 +32,8 @@ class MediaInput : public FrameSource {
   std::uint64_t frameCount() const override { return 0; }
 
   bool next() override;
-  bool isDamaged() const override { return decoder_.isDamaged(); }
   std::vector<std::string> remarks() const override { return file_.remarks(); }
-  std::string trouble() const override { return file_.trouble(); }
-  bool lost() const override { return isDamaged(); }
+  bool lost() const override { return decoder_.isDamaged(); }
   std::string flaw() const override;
   std::optional<double> time() const override;
   void copyTo(unsigned char* out, std::size_t stride) override;
@@ -71,9 +69,9 @@ MediaInput::MediaInput(const std::string& name, Samples samples, const MediaHint
 
 bool MediaInput::next() {
   if (!decoder_.next()) return false;
-  if (isDamaged()) ++damaged_;
+  if (lost()) ++damaged_;
   const AVFrame& frame = decoder_.frame();
-  if (isDamaged() || hasSize(frame)) return true;
+  if (lost() || hasSize(frame)) return true;
   throw ToolError(Outcome::kCutShort,
                   fmt::format("{} changes its size from {} x {} to {} x {} pixels", escaped(name_),
                               width_, height_, frame.width, frame.height),
@@ -81,10 +79,11 @@ bool MediaInput::next() {
 }
 
 std::string MediaInput::flaw() const {
-  if (damaged_ == 0) return trouble();
+  const std::string& trouble = file_.trouble();
+  if (damaged_ == 0) return trouble;
   const std::string damage =
       fmt::format("{} {} damaged", countText(damaged_, "frame"), damaged_ == 1 ? "is" : "are");
-  return trouble().empty() ? damage : damage + ", " + trouble();
+  return trouble.empty() ? damage : damage + ", " + trouble;
 }
 
 bool MediaInput::hasSize(const AVFrame& frame) const {
@@ -115,7 +114,7 @@ void MediaInput::copyTo(unsigned char* out, std::size_t stride) {
 }  // namespace
 
 bool tellsNoRate(const std::string& name, const MediaHints& hints) {
-  return isImagePattern(name) || !hints.rawSize.empty();
+  return ImagePattern::parse(name) || !hints.rawSize.empty();
 }
 
 std::unique_ptr<FrameSource> openMedia(const std::string& name, Samples samples,

@@ -1,18 +1,14 @@
 #include "tools/kpf/probing/files.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
-#include <fstream>
 
 #include "tools/kpf/media/media.h"
 #include "tools/kpf/plots/drawn_plots.h"
 #include "tools/kpf/plots/svg.h"
 #include "tools/kpf/terminal/text.h"
-#include "tools/kpf/terminal/tool_error.h"
 
 namespace KPF_TOOL {
 namespace {
@@ -21,7 +17,10 @@ constexpr float kStepsOfALevel = 256;  // in 16-bit maps
 constexpr float kHighest16 = 65535;
 constexpr float kHighest8 = 255;
 
-bool isTiff(const std::string& name) { return name.ends_with(".tif") || name.ends_with(".tiff"); }
+/// In any case, as everywhere.
+bool hasEnd(const std::string& name, const char* end) { return lowerCase(name).ends_with(end); }
+
+bool isTiff(const std::string& name) { return hasEnd(name, ".tif") || hasEnd(name, ".tiff"); }
 
 void appendSample(std::string& bytes, std::uint32_t value, int size) {
   for (int i = 0; i < size; ++i) bytes += static_cast<char>(value >> 8 * i & 0xFF);
@@ -54,26 +53,19 @@ void writeImage(const Destination& destination, unsigned width, unsigned height,
 
 void writeText(const Destination& destination, const std::string& text) {
   NewFile file(destination.name, destination);
-  std::ofstream out(file.path(), std::ios::binary);
-  out.write(text.data(), static_cast<std::streamsize>(text.size()));
-  out.close();
-  if (!out) {
-    throw ToolError(Outcome::kWriteFailed,
-                    fmt::format("cannot write {}", escaped(destination.name)),
-                    "Check the free space of its folder.");
-  }
+  file.write(text.data(), text.size());
   file.commit();
 }
 
 void writePlots(const Destination& destination, const std::vector<Plot>& plots) {
-  if (destination.name.ends_with(".svg")) return writeText(destination, svgOf(plots));
+  if (hasEnd(destination.name, ".svg")) return writeText(destination, svgOf(plots));
   const Canvas canvas = drawnPlots(plots);
   writeImage(destination, canvas.width(), canvas.height(), Samples::k8Bit, canvas.rows());
 }
 
 void writeMap(const Destination& destination, const MapResult& found, double rate) {
   const PictureMap& map = found.map;
-  if (destination.name.ends_with(".raw")) return writeText(destination, singlesOf(map));
+  if (hasEnd(destination.name, ".raw")) return writeText(destination, singlesOf(map));
   if (isTiff(destination.name)) {
     const float steps = found.asked ? kStepsOfALevel : kHighest16 / static_cast<float>(rate / 2);
     const std::string rows = samplesOf(map, steps, kHighest16, 2);
@@ -85,11 +77,9 @@ void writeMap(const Destination& destination, const MapResult& found, double rat
 }
 
 bool isMapName(const std::string& name) {
-  return name.ends_with(".raw") || name.ends_with(".png") || isTiff(name);
+  return hasEnd(name, ".raw") || hasEnd(name, ".png") || isTiff(name);
 }
 
-bool isPlotName(const std::string& name) {
-  return name.ends_with(".svg") || name.ends_with(".png");
-}
+bool isPlotName(const std::string& name) { return hasEnd(name, ".svg") || hasEnd(name, ".png"); }
 
 }  // namespace KPF_TOOL

@@ -1,6 +1,7 @@
 #include "tools/kpf/probing/measurement.h"
 
 #include <cstddef>
+#include <utility>
 
 #include "tools/kpf/analysis/candidates.h"
 #include "tools/kpf/analysis/frame_batch.h"
@@ -12,30 +13,32 @@ namespace {
 constexpr std::size_t kMapFrequencies = 6;
 
 /// Calls `found` or `lost` for every frame of the range; `found` has the frame to copy.
+/// @return the flaw of the recording, see FrameSource::flaw.
 template <class Found, class Lost>
-void readFrames(const Probed& probed, std::uint64_t before, const ProbeProgress& progress,
-                Found found, Lost lost) {
+std::string readFrames(const Probed& probed, std::uint64_t before, const ProbeProgress& progress,
+                       Found found, Lost lost) {
   const auto source = probed.open();
   source->skip(probed.range.first());
   for (std::uint64_t n = 0; n < probed.frames && source->next(); ++n) {
-    if (!source->time()) {  // as a recording tells of a frame that was lost
+    if (source->lost()) {
       lost();
     } else {
       found(*source);
     }
     progress(before + n + 1);
   }
+  return source->flaw();
 }
 
-/// Passes every frame through batches to what maps them. @return lost frames.
+/// Passes every frame through batches to what maps them. @return how many were lost, and the flaw.
 template <class Sink>
-std::uint64_t readBatches(const Probed& probed, std::uint64_t before, const ProbeProgress& progress,
-                          Sink& sink) {
+std::pair<std::uint64_t, std::string> readBatches(const Probed& probed, std::uint64_t before,
+                                                  const ProbeProgress& progress, Sink& sink) {
   FrameBatch batch(probed.layout, [&sink](const unsigned char* frames, std::size_t count) {
     sink.add(frames, count);
   });
   std::uint64_t lost = 0;
-  readFrames(
+  const std::string flaw = readFrames(
       probed, before, progress,
       [&batch](FrameSource& source) {
         source.copyTo(batch.place(), source.rowSize());
@@ -46,7 +49,7 @@ std::uint64_t readBatches(const Probed& probed, std::uint64_t before, const Prob
         ++lost;
       });
   batch.finish();
-  return lost;
+  return {lost, flaw};
 }
 
 double resolutionOf(const Probed& probed, const Stretches& stretches) {
@@ -76,7 +79,7 @@ Measurement measure(const Probed& probed, const Box& box, const ProbeProgress& p
   };
   Waveform brightness(probed.rate);
   MeanPicture mean(probed.layout, grown(box, Displacement::kMargin, probed.layout));
-  readFrames(
+  const std::string flaw = readFrames(
       probed, 0, progress,
       [&](FrameSource& source) {
         mean.add(copied(source));
@@ -93,25 +96,26 @@ Measurement measure(const Probed& probed, const Box& box, const ProbeProgress& p
           Course(displacement.x()),
           Course(displacement.y()),
           displacement.qualityOfX(),
-          displacement.qualityOfY()};
+          displacement.qualityOfY(),
+          flaw};
 }
 
 MapResult mapOfFrequency(const Probed& probed, double frequency, const ProbeProgress& progress) {
   const Stretches stretches = Stretches::of(probed.frames);
   SwingMap map(probed.layout, stretches, probed.rate, {frequency});
-  const std::uint64_t lost = readBatches(probed, 0, progress, map);
-  return {map.amplitudes(0), frequency, {frequency}, resolutionOf(probed, stretches), lost};
+  const auto [lost, flaw] = readBatches(probed, 0, progress, map);
+  return {map.amplitudes(0), frequency, {frequency}, resolutionOf(probed, stretches), lost, flaw};
 }
 
 MapResult mapOfDominance(const Probed& probed, const ProbeProgress& progress) {
   const Stretches stretches = Stretches::of(probed.frames);
   Candidates candidates(probed.layout, stretches, probed.rate);
-  const std::uint64_t lost = readBatches(probed, 0, progress, candidates);
+  const auto [lost, flaw] = readBatches(probed, 0, progress, candidates);
   const std::vector<double> frequencies = candidates.frequencies(kMapFrequencies);
   SwingMap map(probed.layout, stretches, probed.rate, frequencies);
   // Where nothing swings nothing is left to look at.
   if (!frequencies.empty()) readBatches(probed, probed.frames, progress, map);
-  return {map.dominant(), std::nullopt, frequencies, resolutionOf(probed, stretches), lost};
+  return {map.dominant(), std::nullopt, frequencies, resolutionOf(probed, stretches), lost, flaw};
 }
 
 }  // namespace KPF_TOOL

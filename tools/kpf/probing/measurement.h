@@ -47,6 +47,7 @@ struct Measurement {
   Course brightness;
   Course x, y;
   AxisQuality qualityOfX, qualityOfY;
+  std::string flaw;  // of the recording, see FrameSource::flaw
 
   /// The frequency that stands out of the noise most, in hertz.
   std::optional<double> suggestedFrequency() const;
@@ -62,6 +63,7 @@ struct MapResult {
   std::vector<double> frequencies;  // hertz: the one asked for, or those that were found
   double resolution = 0;            // hertz
   std::uint64_t lost = 0;           // frames
+  std::string flaw;                 // of the recording
 };
 
 /// The amplitudes at `frequency`; reads the frames once.

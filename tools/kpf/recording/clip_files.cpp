@@ -6,25 +6,12 @@
 #include <chrono>
 #include <filesystem>
 
-#include "kpf_reader.h"
 #include "tools/kpf/recording/record_stamp.h"
 #include "tools/kpf/recording/target.h"
 #include "tools/kpf/terminal/text.h"
 #include "tools/kpf/terminal/tool_error.h"
 
 namespace KPF_TOOL {
-namespace {
-
-/// Looks at the files themselves: what the writer believes is no proof.
-std::uint64_t recordsOnDisk(const std::string& header) {
-  try {
-    return KPF_READER::Recording(header, KPF_READER::Access::kSparse).recordCount();
-  } catch (const KPF_READER::RecordingError&) {  // somebody took it away
-    return 0;
-  }
-}
-
-}  // namespace
 
 ClipFiles::ClipFiles(const ClipTarget& target,
                      const VLM_INTERNAL::VXP_STREAM_CONFIGURATION& configuration,

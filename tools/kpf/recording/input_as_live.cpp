@@ -39,7 +39,7 @@ LiveFrame InputAsLive::next() {
   frame.id = kFirstId + timeline_.placeOf(time);
   if (time) frame.cameraTime = 1 + static_cast<std::uint64_t>(std::max(*time, 0.0) * 1e9);
   frame.state = LiveFrame::State::kIncomplete;
-  if (input_.isDamaged()) return frame;
+  if (input_.lost()) return frame;
   frame.state = LiveFrame::State::kGood;
   input_.copyTo(image_.data(), stride_);
   vxConvertTiffImageData(image_.data(), record_.data(), 0, input_.width(), input_.height(), bits_);

@@ -21,7 +21,7 @@ class InputAsLive : public LiveSource {
   InputAsLive(FrameSource& input, int bits, const Timeline& timeline);
 
   LiveFrame next() override;
-  std::string trouble() const override { return input_.trouble(); }
+  std::string trouble() const override { return input_.flaw(); }
 
  private:
   FrameSource& input_;

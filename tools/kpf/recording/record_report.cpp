@@ -7,6 +7,7 @@
 #include <ratio>
 
 #include "tools/kpf/terminal/json.h"
+#include "tools/kpf/terminal/tell.h"
 #include "tools/kpf/terminal/text.h"
 
 namespace KPF_TOOL {
@@ -20,28 +21,18 @@ double inSeconds(std::chrono::nanoseconds duration) {
   return std::chrono::duration<double>(duration).count();
 }
 
-/// What is wrong with the input although all that it gave is on disk; empty when nothing is.
-std::string lossesOf(const RecordResult& result) {
-  std::string losses;
-  if (result.damaged > 0) {
-    losses =
-        fmt::format(", {} of them placeholders for what is damaged in the input", result.damaged);
-  }
-  return result.trouble.empty() ? losses : losses + ": " + result.trouble;
-}
-
 void tellWriteFailed(const RecordResult& result) {
-  fmt::print(stderr, "kpf: {}: {} of {} are on disk: {}\n", escaped(result.header), result.onDisk,
-             countText(result.frames, "frame"), result.obstacle);
-  fmt::print(stderr, "What is there can be read; kpf verify tells what is missing.\n");
+  tell("kpf: {}: {} of {} are on disk: {}\n", escaped(result.header), result.onDisk,
+       countText(result.frames, "frame"), result.obstacle);
+  tell("What is there can be read; kpf verify tells what is missing.\n");
 }
 
 }  // namespace
 
 Outcome outcomeOf(const RecordResult& result) {
   if (!result.written) return Outcome::kWriteFailed;
-  if (!result.trouble.empty()) return Outcome::kCutShort;
-  return result.damaged > 0 ? Outcome::kProblemsFound : Outcome::kDone;
+  if (result.damaged > 0) return Outcome::kProblemsFound;
+  return result.trouble.empty() ? Outcome::kDone : Outcome::kCutShort;
 }
 
 std::string paceText(const RecordResult& result) {
@@ -54,29 +45,29 @@ std::string paceText(const RecordResult& result) {
 void RecordReport::remark(const std::string& line) {
   if (line.empty()) return;
   remarks_.push_back(line);
-  if (!quiet_) fmt::print(stderr, "kpf: {}\n", line);
+  if (!quiet_) tell("kpf: {}\n", line);
 }
 
 Outcome RecordReport::conclude(const RecordResult& result) const {
   const Outcome outcome = outcomeOf(result);
-  tell(result, outcome);
+  print(result, outcome);
   if (json_) printDocument(result, outcome);
   return outcome;
 }
 
-void RecordReport::tell(const RecordResult& result, Outcome outcome) const {
-  const std::string frames = countText(result.frames, "frame");
+void RecordReport::print(const RecordResult& result, Outcome outcome) const {
+  const std::string recorded =
+      fmt::format("{}: {} recorded, {}", escaped(result.header), countText(result.frames, "frame"),
+                  countText(result.placeholders, "placeholder"));
   if (outcome == Outcome::kWriteFailed) {
     tellWriteFailed(result);
   } else if (outcome != Outcome::kDone) {
-    fmt::print(stderr, "kpf: {}: {} recorded{}\n", escaped(result.header), frames,
-               lossesOf(result));
+    tell("kpf: {}: {}\n", recorded, result.trouble);
   } else if (!quiet_ && !json_) {
-    fmt::print("{}: {} recorded, {}\n", escaped(result.header), frames,
-               countText(result.placeholders, "placeholder"));
+    fmt::print("{}\n", recorded);
     std::fflush(stdout);  // before what comes next on the same terminal
   }
-  if (!quiet_ && isatty(STDERR_FILENO) != 0) fmt::print(stderr, "{}\n", paceText(result));
+  if (!quiet_ && isatty(STDERR_FILENO) != 0) tell("{}\n", paceText(result));
 }
 
 void RecordReport::printDocument(const RecordResult& result, Outcome outcome) const {

@@ -21,7 +21,7 @@ struct RecordResult {
   std::uint64_t onDisk = 0;              // frames that the files hold
   bool written = true;                   // the library and the system took everything
   std::string obstacle;                  // what is in the way where they did not
-  std::string trouble;                   // why the input ended before its end
+  std::string trouble;                   // what is wrong with the input, see FrameSource::flaw
   std::chrono::nanoseconds within999{};  // what 99.9 % of the calls took at most
   std::chrono::nanoseconds longest{};    // and all of them
   std::optional<std::uint64_t> late;     // frames, where the source sets the pace
@@ -40,12 +40,13 @@ class RecordReport {
 
   /// A line that is worth knowing and no failure; an empty one is none.
   void remark(const std::string& line);
+  const std::vector<std::string>& remarks() const { return remarks_; }
 
   /// Prints the result. @return how the command ends.
   Outcome conclude(const RecordResult& result) const;
 
  private:
-  void tell(const RecordResult& result, Outcome outcome) const;
+  void print(const RecordResult& result, Outcome outcome) const;
   void printDocument(const RecordResult& result, Outcome outcome) const;
 
   bool quiet_;

@@ -93,10 +93,7 @@ void RecordWriter::finish() {
   KPF_FORMAT::store(image.data(), layout::kFrameCount, count_);
   const Destination destination{header_, false, {}};
   NewFile file(header_, destination);
-  std::ofstream out(nativePath(file.path()), std::ios::binary | std::ios::trunc);
-  out.write(reinterpret_cast<const char*>(image.data()), std::ssize(image));
-  out.close();
-  if (!out) failed(header_, lastError());
+  file.write(image.data(), image.size());
   file.commit();
   done_ = true;
 }

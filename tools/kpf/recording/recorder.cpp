@@ -29,7 +29,7 @@ void Recorder::run(const std::function<bool()>& stop,
 /// A frame that is not what the camera saw is worse than none.
 void Recorder::addFrame() {
   ++written_;
-  if (input_.isDamaged()) {
+  if (input_.lost()) {
     ++damaged_;
     ++placeholders_;
     stream_.addPlaceholder();

@@ -10,6 +10,7 @@
 #include "format/kpf_fixed.h"
 #include "format/kpf_layout.h"
 #include "format/kpf_status.h"
+#include "kpf_reader.h"
 #include "tools/kpf/records/checksum_file.h"
 #include "tools/kpf/terminal/text.h"
 #include "tools/kpf/terminal/tool_error.h"
@@ -116,6 +117,14 @@ void checkRoom(const std::string& header, std::uint64_t bytes) {
       fmt::format("the recording takes {}, the disk has room for {}",
                   sizeText(static_cast<double>(bytes)), sizeText(static_cast<double>(available))),
       "Free some space, or record fewer frames with --frames.");
+}
+
+std::uint64_t recordsOnDisk(const std::string& header) {
+  try {
+    return KPF_READER::Recording(header, KPF_READER::Access::kSparse).recordCount();
+  } catch (const KPF_READER::RecordingError&) {
+    return 0;  // somebody took it away
+  }
 }
 
 std::string obstacleTo(const std::string& header, std::uint64_t bytes) {

@@ -31,6 +31,10 @@ void clearTarget(const std::string& header, bool force, const FileIds& input = {
 /// recording that is there makes room for them.
 void checkRoom(const std::string& header, std::uint64_t bytes);
 
+/// How many records are there, by a look at the files themselves: what a writer believes is no
+/// proof.
+std::uint64_t recordsOnDisk(const std::string& header);
+
 /// Why the files of a recording take no more, as far as the disk shows.
 /// @param bytes of the next record.
 std::string obstacleTo(const std::string& header, std::uint64_t bytes);

@@ -35,4 +35,9 @@ std::string RecordWalk::flaw() const {
   return text;
 }
 
+std::string RecordWalk::earlyEnd() const {
+  if (places_ >= announced_) return "";
+  return fmt::format("the recording ends after {} of {} announced frames", places_, announced_);
+}
+
 }  // namespace KPF_TOOL

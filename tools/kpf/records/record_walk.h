@@ -17,7 +17,9 @@ class RecordWalk {
  public:
   /// @param recording must live as long.
   explicit RecordWalk(const KPF_READER::Recording& recording)
-      : records_(recording, KPF_READER::Access::kSequential), places_(records_.places()) {}
+      : records_(recording, KPF_READER::Access::kSequential),
+        places_(records_.places()),
+        announced_(recording.header().frameCount) {}
 
   /// See Records::places.
   std::uint32_t places() const { return places_; }
@@ -30,9 +32,13 @@ class RecordWalk {
   /// recorded as lost are no such thing.
   std::string flaw() const;
 
+  /// The same of an end before the frames that the recording announces.
+  std::string earlyEnd() const;
+
  private:
   Records records_;
   std::uint32_t places_;
+  std::uint32_t announced_;
   std::uint64_t missing_ = 0;
   std::uint32_t firstMissing_ = 0;
   std::uint64_t unreadable_ = 0;

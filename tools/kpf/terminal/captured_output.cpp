@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "tools/kpf/terminal/tell.h"
 #include "tools/kpf/terminal/text.h"
 #include "tools/kpf/terminal/tool_error.h"
 
@@ -70,12 +71,12 @@ void CapturedOutput::pass() {
     if (lines >= kMostLines) continue;
     std::string text(line, static_cast<std::size_t>(size));
     if (text.ends_with('\n')) text.pop_back();
-    std::fputs(fmt::format("kpf: log of the library: {}\n", escaped(text)).c_str(), stderr);
+    tell("kpf: log of the library: {}\n", escaped(text));
   }
   std::free(line);
   if (lines <= kMostLines) return;
   const std::string more = countText(lines - kMostLines, "line");
-  std::fputs(fmt::format("kpf: log of the library: {} more\n", more).c_str(), stderr);
+  tell("kpf: log of the library: {} more\n", more);
 }
 
 }  // namespace KPF_TOOL

@@ -5,6 +5,8 @@
 
 #include <cstdio>
 
+#include "tools/kpf/terminal/tell.h"
+
 namespace KPF_TOOL {
 namespace {
 
@@ -24,7 +26,7 @@ bool StatusLine::isDue() const { return visible_ && Clock::now() - shown_ >= kIn
 
 void StatusLine::show(const std::string& text) {
   shown_ = Clock::now();
-  fmt::print(stderr, "{}{}", kWipeLine, text);
+  tell("{}{}", kWipeLine, text);
 }
 
 double StatusLine::seconds() const {

@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "tools/kpf/terminal/interrupt.h"
+#include "tools/kpf/terminal/tell.h"
 #include "tools/kpf/view/browser.h"
 #include "tools/kpf/view/page_answer.h"
 #include "tools/kpf/view/server.h"
@@ -20,7 +21,7 @@ Outcome view(const ViewOptions& options) {
                       [&answer](const Request& request) { return answer.of(request); });
   fmt::print("{}\n", server.address());
   std::fflush(stdout);
-  fmt::print(stderr, "kpf: open this address in a browser; Ctrl-C ends\n");
+  tell("kpf: open this address in a browser; Ctrl-C ends\n");
   std::optional<Browser> browser;
   if (!options.noBrowser) browser.emplace(server.address());
   constexpr int kLook = 200;  // milliseconds, where another thread gets the signal
