@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <exception>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,7 @@
 #include "tools/kpf/terminal/json.h"
 #include "tools/kpf/terminal/nearest.h"
 #include "tools/kpf/terminal/standard_output.h"
+#include "tools/kpf/terminal/system.h"
 #include "tools/kpf/terminal/tell.h"
 #include "tools/kpf/terminal/text.h"
 #include "tools/kpf/terminal/tool_error.h"
@@ -99,13 +101,31 @@ Outcome giveResult(Outcome outcome) {
   return outcome == Outcome::kDone ? Outcome::kWriteFailed : outcome;
 }
 
-}  // namespace
-
-// NOLINTNEXTLINE(bugprone-exception-escape): only for want of memory, before anything is done.
-int main(int argc, char** argv) {
-  holdStandardDescriptors();
+int runTool(int argc, char** argv) {
+  holdStandardStreams();
   CLI::App app;
   Job job;
   buildCommandLine(app, job);
   return exitCodeOf(giveResult(run(app, job, argc, argv)));
 }
+
+}  // namespace
+
+#ifdef _WIN32
+
+// The words of main have lost what the code page does not hold; the path of a wide one is UTF-8.
+int wmain(int argc, wchar_t** argv) {
+  std::vector<std::string> words;
+  for (int i = 0; i < argc; ++i) words.push_back(std::filesystem::path(argv[i]).string());
+  std::vector<char*> pointers;
+  for (std::string& word : words) pointers.push_back(word.data());
+  pointers.push_back(nullptr);
+  return runTool(argc, pointers.data());
+}
+
+#else
+
+// NOLINTNEXTLINE(bugprone-exception-escape): only for want of memory, before anything is done.
+int main(int argc, char** argv) { return runTool(argc, argv); }
+
+#endif

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "paths/native_path.h"
 #include "tools/kpf/commands/commands.h"
 #include "tools/kpf/recording/disk_trial.h"
 #include "tools/kpf/recording/record_stream.h"
@@ -116,7 +117,7 @@ class Trial {
   }
 
   Leg record(const TrialFolder& folder, const LegPlan& plan) {
-    std::filesystem::create_directories(folder.path());
+    std::filesystem::create_directories(PATHS::nativePath(folder.path()));
     VLM_INTERNAL::VXP_STREAM_CONFIGURATION configuration;
     configuration.width = size_.width;
     configuration.height = size_.height;

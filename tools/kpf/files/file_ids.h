@@ -2,47 +2,38 @@
 #ifndef KPF_FILE_IDS_H
 #define KPF_FILE_IDS_H
 
-#include <sys/stat.h>
-
+#include <optional>
 #include <set>
 #include <string>
-#include <utility>
 #include <vector>
+
+#include "tools/kpf/files/file_system.h"
 
 namespace KPF_TOOL {
 
-/// A set of files by device and inode: links, other spellings and other folders make no difference.
+/// A set of files by their numbers: links, other spellings and other folders make no difference.
 class FileIds {
  public:
   FileIds() = default;
   /// Takes what is there; what is not is no file that could be harmed.
   explicit FileIds(const std::vector<std::string>& names) {
     for (const std::string& name : names) {
-      struct stat status {};
-      if (stat(name.c_str(), &status) == 0) ids_.insert(idOf(status));
+      if (const auto id = fileId(name)) ids_.insert(*id);
     }
   }
 
   void add(const FileIds& others) { ids_.insert(others.ids_.begin(), others.ids_.end()); }
 
   /// Whether that is what `name` leads to.
-  bool holds(const std::string& name) const {
-    struct stat status {};
-    return stat(name.c_str(), &status) == 0 && ids_.count(idOf(status)) != 0;
-  }
+  bool holds(const std::string& name) const { return has(fileId(name)); }
 
   /// Whether that is what an open descriptor writes to.
-  bool holds(int descriptor) const {
-    struct stat status {};
-    return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
-           ids_.count(idOf(status)) != 0;
-  }
+  bool holds(int descriptor) const { return has(fileId(descriptor)); }
 
  private:
-  using Id = std::pair<dev_t, ino_t>;
-  static Id idOf(const struct stat& status) { return {status.st_dev, status.st_ino}; }
+  bool has(const std::optional<FileId>& id) const { return id && ids_.count(*id) != 0; }
 
-  std::set<Id> ids_;
+  std::set<FileId> ids_;
 };
 
 }  // namespace KPF_TOOL

@@ -7,13 +7,21 @@
 #include <filesystem>
 #include <system_error>
 
+#include "paths/native_path.h"
+
 namespace KPF_TOOL {
 namespace fs = std::filesystem;
 namespace {
 
 constexpr std::size_t kMostDigits = 20;  // of a number of 64 bits
 
-std::size_t fileNameBegin(const std::string& name) { return name.rfind('/') + 1; }
+#ifdef _WIN32
+constexpr const char* kSeparators = "/\\";
+#else
+constexpr const char* kSeparators = "/";
+#endif
+
+std::size_t fileNameBegin(const std::string& name) { return name.find_last_of(kSeparators) + 1; }
 
 }  // namespace
 
@@ -55,7 +63,8 @@ std::optional<std::uint64_t> ImagePattern::numberIn(const std::string& fileName)
 std::vector<std::uint64_t> ImagePattern::numbersThere() const {
   std::vector<std::uint64_t> numbers;
   std::error_code unreadable;
-  for (const auto& entry : fs::directory_iterator(folder_.empty() ? "." : folder_, unreadable)) {
+  const fs::path folder = PATHS::nativePath(folder_.empty() ? "." : folder_);
+  for (const auto& entry : fs::directory_iterator(folder, unreadable)) {
     if (const auto number = numberIn(entry.path().filename().string())) numbers.push_back(*number);
   }
   return numbers;

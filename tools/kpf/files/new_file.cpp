@@ -1,20 +1,25 @@
 #include "tools/kpf/files/new_file.h"
 
-#include <fcntl.h>
 #include <fmt/format.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <ios>
 #include <system_error>
 
+#include "paths/native_path.h"
+#include "tools/kpf/files/file_system.h"
 #include "tools/kpf/terminal/text.h"
 
 namespace KPF_TOOL {
+namespace fs = std::filesystem;
+using PATHS::nativePath;
 namespace {
 
-std::string adviceFor(int error) {
-  switch (error) {
+std::string adviceFor(const std::error_code& error) {
+  switch (error.default_error_condition().value()) {
     case ENOENT:
     case ENOTDIR:
       return "Make the folder first.";
@@ -23,7 +28,9 @@ std::string adviceFor(int error) {
     case EROFS:
       return "Choose a folder that you may write to.";
     case ENOSPC:
+#ifdef EDQUOT
     case EDQUOT:
+#endif
       return "Free some space.";
     case EFBIG:
       return "Lift the limit on the size of files (ulimit -f), or choose another file system.";
@@ -32,25 +39,23 @@ std::string adviceFor(int error) {
   }
 }
 
-ToolError cannotWrite(const std::string& name) { return cannotWriteFile(name, errno); }
-
 }  // namespace
 
-ToolError cannotWriteFile(const std::string& name, int error) {
-  return {Outcome::kWriteFailed,
-          fmt::format("cannot write {}: {}", escaped(name), std::generic_category().message(error)),
+ToolError cannotWriteFile(const std::string& name, const std::error_code& error) {
+  return {Outcome::kWriteFailed, fmt::format("cannot write {}: {}", escaped(name), error.message()),
           adviceFor(error)};
 }
 
 void checkFree(const std::string& name, const Destination& destination) {
-  struct stat status {};
+  std::error_code unknown;
   // The link itself: one that leads nowhere is in the way as well.
-  if (lstat(name.c_str(), &status) != 0) return;
+  const fs::file_status status = fs::symlink_status(nativePath(name), unknown);
+  if (!fs::exists(status)) return;
   if (destination.input.holds(name)) {
     throw ToolError(Outcome::kRefused, fmt::format("{} is what is read", escaped(name)),
                     "Choose another name: the input is never replaced.");
   }
-  if (!S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode)) {
+  if (!fs::is_regular_file(status) && !fs::is_symlink(status)) {
     throw ToolError(Outcome::kRefused, fmt::format("{} is no file", escaped(name)),
                     "Choose another name.");
   }
@@ -60,59 +65,39 @@ void checkFree(const std::string& name, const Destination& destination) {
   }
 }
 
-bool moveWhereFree(const std::string& from, const std::string& to) {
-#ifdef RENAME_NOREPLACE
-  const int result = renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE);
-  if (result == 0 || (errno != EINVAL && errno != ENOSYS)) return result == 0;
-#endif
-  return linkWhereFree(from, to);
-}
-
-bool linkWhereFree(const std::string& from, const std::string& to) {
-  if (link(from.c_str(), to.c_str()) == 0) {
-    unlink(from.c_str());
-    return true;
-  }
-  // Where there are no links either, this one look has to do.
-  return errno != EEXIST && std::rename(from.c_str(), to.c_str()) == 0;
-}
-
 // With the process in the name two of them do not meet.
 NewFile::NewFile(const std::string& name, const Destination& destination)
     : name_(name),
       destination_(destination),
       temporary_(fmt::format("{}.{}.part", name, getpid())) {
   checkFree(name_, destination_);
-  const int file = open(temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-  if (file < 0) throw cannotWrite(name_);
-  close(file);
+  if (const std::error_code error = makeNewFile(temporary_)) throw cannotWriteFile(name_, error);
 }
 
 NewFile::~NewFile() {
-  if (!done_) unlink(temporary_.c_str());
+  std::error_code ignored;
+  if (!done_) fs::remove(nativePath(temporary_), ignored);
 }
 
 void NewFile::write(const void* bytes, std::size_t size) {
-  std::FILE* const file = std::fopen(temporary_.c_str(), "wb");
-  if (file == nullptr) throw cannotWrite(name_);
+  std::ofstream file(nativePath(temporary_), std::ios::binary);
+  file.write(static_cast<const char*>(bytes), static_cast<std::streamsize>(size));
   // Closing may be what fails: not before that is the file with the system.
-  const bool written = std::fwrite(bytes, 1, size, file) == size;
-  const int error = errno;
-  if (std::fclose(file) == 0 && written) return;
-  if (!written) errno = error;
-  throw cannotWrite(name_);
+  if (file) file.close();
+  if (!file) throw cannotWriteFile(name_, errno);
 }
 
 void NewFile::commit() {
+  std::error_code error;
   if (destination_.force) {
     checkFree(name_, destination_);
-    done_ = std::rename(temporary_.c_str(), name_.c_str()) == 0;
+    fs::rename(nativePath(temporary_), nativePath(name_), error);
   } else {
-    done_ = moveWhereFree(temporary_, name_);
+    error = moveWhereFree(temporary_, name_);
   }
+  done_ = !error;
   if (done_) return;
-  const int error = errno;
-  if (error == EEXIST) checkFree(name_, destination_);  // which tells what is in the way
+  if (error == std::errc::file_exists) checkFree(name_, destination_);  // tells what is in the way
   throw cannotWriteFile(name_, error);
 }
 

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <string>
+#include <system_error>
 
 #include "tools/kpf/files/file_ids.h"
 #include "tools/kpf/terminal/tool_error.h"
@@ -15,21 +16,20 @@ struct Destination {
   std::string name;
   bool force = false;  // whether other files of that name may be replaced
   FileIds input;       // files that are read, and are not replaced by anybody's wish
+  bool y4m = false;    // on standard output: not bare frames
 };
 
 /// @param name of a file that `destination` stands for.
 /// @throws ToolError when something is there that may not be replaced.
 void checkFree(const std::string& name, const Destination& destination);
 
-/// Gives a file another name where nothing has it yet, in one step, as no check beforehand can.
-/// @return false, and the system's number in errno, when it has not.
-bool moveWhereFree(const std::string& from, const std::string& to);
+/// What to say when the system does not take what is written to `name`.
+ToolError cannotWriteFile(const std::string& name, const std::error_code& error);
 
-/// The same by a link, for file systems that do not know that step.
-bool linkWhereFree(const std::string& from, const std::string& to);
-
-/// @param error of the system, by its number.
-ToolError cannotWriteFile(const std::string& name, int error);
+/// @param error by its number, as errno has it.
+inline ToolError cannotWriteFile(const std::string& name, int error) {
+  return cannotWriteFile(name, std::error_code(error, std::generic_category()));
+}
 
 /**
  * A file that bears its name only when it is whole.

@@ -1,12 +1,12 @@
 #include "tools/kpf/recording/record_report.h"
 
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <cstdio>
 #include <ratio>
 
 #include "tools/kpf/terminal/json.h"
+#include "tools/kpf/terminal/system.h"
 #include "tools/kpf/terminal/tell.h"
 #include "tools/kpf/terminal/text.h"
 
@@ -67,7 +67,7 @@ void RecordReport::print(const RecordResult& result, Outcome outcome) const {
     fmt::print("{}\n", recorded);
     std::fflush(stdout);  // before what comes next on the same terminal
   }
-  if (!quiet_ && isatty(STDERR_FILENO) != 0) tell("{}\n", paceText(result));
+  if (!quiet_ && errorIsTerminal()) tell("{}\n", paceText(result));
 }
 
 void RecordReport::printDocument(const RecordResult& result, Outcome outcome) const {

@@ -11,21 +11,23 @@
 #include "format/kpf_layout.h"
 #include "format/kpf_status.h"
 #include "kpf_reader.h"
+#include "paths/native_path.h"
 #include "tools/kpf/records/checksum_file.h"
 #include "tools/kpf/terminal/text.h"
 #include "tools/kpf/terminal/tool_error.h"
 
 namespace KPF_TOOL {
 namespace fs = std::filesystem;
+using PATHS::nativePath;
 namespace {
 
 /// Whether a file is the header of a recording, by its size and by how it begins.
 bool isHeader(const std::string& name) {
   std::error_code unknown;
-  if (!fs::is_regular_file(name, unknown)) return false;
-  if (fs::file_size(name, unknown) != KPF_FORMAT::HEADER::kSize) return false;
+  if (!fs::is_regular_file(nativePath(name), unknown)) return false;
+  if (fs::file_size(nativePath(name), unknown) != KPF_FORMAT::HEADER::kSize) return false;
   std::string begin(KPF_FORMAT::kVersion.size(), '\0');
-  std::ifstream(name, std::ios::binary)
+  std::ifstream(nativePath(name), std::ios::binary)
       .read(begin.data(), static_cast<std::streamsize>(begin.size()));
   return begin == KPF_FORMAT::kVersion;
 }
@@ -38,7 +40,7 @@ std::uint64_t bytesOf(const std::vector<std::string>& files) {
   std::uint64_t bytes = 0;
   for (const std::string& file : files) {
     std::error_code unknown;
-    const std::uint64_t size = fs::file_size(file, unknown);
+    const std::uint64_t size = fs::file_size(nativePath(file), unknown);
     if (!unknown) bytes += size;
   }
   return bytes;
@@ -47,7 +49,7 @@ std::uint64_t bytesOf(const std::vector<std::string>& files) {
 }  // namespace
 
 std::string headerPath(const std::string& output) {
-  const fs::path path(output);
+  const fs::path path = nativePath(output);
   if (path.stem().empty() || path.extension().string().size() < 2) {
     throw ToolError(Outcome::kWrongUsage, fmt::format("{} has no extension", quoted(output)),
                     "Name the recording like clip.kpf.");
@@ -59,11 +61,12 @@ std::vector<std::string> filesOf(const std::string& header) {
   std::vector<std::string> files;
   for (const std::string& name :
        {header, KPF_FORMAT::statusFileName(header), checksumFileName(header)}) {
-    if (fs::exists(name)) files.push_back(name);
+    if (fs::exists(nativePath(name))) files.push_back(name);
   }
   const auto names = KPF_FORMAT::dataNames(KPF_FORMAT::withoutExtension(header).value_or(header));
-  if (!fs::is_directory(names.folder)) return files;
-  for (const auto& entry : fs::directory_iterator(names.folder)) {
+  const fs::path folder = nativePath(names.folder);
+  if (!fs::is_directory(folder)) return files;
+  for (const auto& entry : fs::directory_iterator(folder)) {
     const std::string name = entry.path().filename().string();
     if (KPF_FORMAT::divFileNumber({"", names.base}, name) != 0) {
       files.push_back(entry.path().string());
@@ -94,7 +97,7 @@ void clearTarget(const std::string& header, bool force, const FileIds& input) {
   checkTarget(header, force, input);
   for (const std::string& file : filesOf(header)) {
     std::error_code error;
-    fs::remove(file, error);
+    fs::remove(nativePath(file), error);
     if (!error) continue;
     throw inTheWay(fmt::format("cannot remove {}: {}", escaped(file), error.message()),
                    "Choose another name, or remove the older recording yourself.");
@@ -102,7 +105,7 @@ void clearTarget(const std::string& header, bool force, const FileIds& input) {
 }
 
 void checkRoom(const std::string& header, std::uint64_t bytes) {
-  const fs::path folder = fs::path(header).parent_path();
+  const fs::path folder = nativePath(header).parent_path();
   std::error_code unknown;
   const fs::space_info space = fs::space(folder, unknown);
   if (unknown) {
@@ -130,10 +133,11 @@ std::uint64_t recordsOnDisk(const std::string& header) {
 std::string obstacleTo(const std::string& header, std::uint64_t bytes) {
   const auto names = KPF_FORMAT::dataNames(KPF_FORMAT::withoutExtension(header).value_or(header));
   std::error_code unknown;
-  if (!fs::is_directory(names.folder, unknown) || !fs::exists(header, unknown)) {
+  if (!fs::is_directory(nativePath(names.folder), unknown) ||
+      !fs::exists(nativePath(header), unknown)) {
     return "its files were moved or removed meanwhile";
   }
-  const fs::space_info space = fs::space(names.folder, unknown);
+  const fs::space_info space = fs::space(nativePath(names.folder), unknown);
   if (!unknown && space.available < bytes) return "the disk is full";
   return "the system did not take the others, see the lines above";
 }

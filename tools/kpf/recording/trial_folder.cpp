@@ -7,20 +7,23 @@
 #include <system_error>
 
 #include "format/kpf_sizes.h"
+#include "paths/native_path.h"
 #include "tools/kpf/terminal/text.h"
 #include "tools/kpf/terminal/tool_error.h"
 
 namespace KPF_TOOL {
 namespace fs = std::filesystem;
+using PATHS::nativePath;
 
 TrialFolder::TrialFolder(const std::string& parent)
-    : path_((fs::path(parent) / fmt::format("kpf-speed-{:08x}", std::random_device()())).string()) {
+    : path_(
+          (nativePath(parent) / fmt::format("kpf-speed-{:08x}", std::random_device()())).string()) {
   std::error_code failure;
-  if (!fs::is_directory(parent, failure)) {
+  if (!fs::is_directory(nativePath(parent), failure)) {
     throw ToolError(Outcome::kUnreadableInput, fmt::format("{} is no folder", escaped(parent)),
                     "Name a folder on the disk that is to be tried.");
   }
-  if (fs::create_directory(path_, failure)) return;
+  if (fs::create_directory(nativePath(path_), failure)) return;
   throw ToolError(Outcome::kRefused,
                   fmt::format("nothing can be written to {}: {}", escaped(parent),
                               failure ? failure.message() : "the name is taken"),
@@ -29,14 +32,14 @@ TrialFolder::TrialFolder(const std::string& parent)
 
 std::uint64_t TrialFolder::room() const {
   std::error_code unknown;
-  const fs::space_info space = fs::space(fs::path(path_).parent_path(), unknown);
+  const fs::space_info space = fs::space(nativePath(path_).parent_path(), unknown);
   return unknown ? 0 : space.available;
 }
 
 // What the disk has not taken yet it need not take any more: nothing is waited for.
 void TrialFolder::clear() const {
   std::error_code ignored;
-  fs::remove_all(path_, ignored);
+  fs::remove_all(nativePath(path_), ignored);
 }
 
 std::uint64_t recordBytes(unsigned width, unsigned height, int bits) {

@@ -1,15 +1,13 @@
 #include "tools/kpf/terminal/captured_output.h"
 
 #include <fmt/format.h>
-#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
+#include "tools/kpf/terminal/system.h"
 #include "tools/kpf/terminal/tell.h"
 #include "tools/kpf/terminal/text.h"
 #include "tools/kpf/terminal/tool_error.h"
@@ -19,11 +17,17 @@ namespace {
 
 constexpr std::uint64_t kMostLines = 10;
 
+/// @return false at the end of the file.
+bool readLine(std::FILE* file, std::string& line) {
+  line.clear();
+  int letter = 0;
+  while ((letter = std::fgetc(file)) != EOF && letter != '\n') line += static_cast<char>(letter);
+  return letter != EOF || !line.empty();
+}
+
 }  // namespace
 
-// A file in memory: the folder for temporary ones may be read-only or full.
-CapturedOutput::CapturedOutput()
-    : captured_(fdopen(memfd_create("log lines", MFD_CLOEXEC), "w+")), output_(-1) {
+CapturedOutput::CapturedOutput() : captured_(openScratchFile()), output_(-1) {
   if (captured_ == nullptr) {
     throw ToolError(Outcome::kFailed, "the system gives no memory for the library's log lines",
                     "Close other programs.");
@@ -64,16 +68,12 @@ void CapturedOutput::release() {
 
 /// Names in them come from files that nobody vouches for, and there may be a line for each frame.
 void CapturedOutput::pass() {
-  char* line = nullptr;
-  std::size_t room = 0;
+  std::string line;
   std::uint64_t lines = 0;
-  for (ssize_t size = 0; (size = getline(&line, &room, captured_)) > 0; ++lines) {
+  for (; readLine(captured_, line); ++lines) {
     if (lines >= kMostLines) continue;
-    std::string text(line, static_cast<std::size_t>(size));
-    if (text.ends_with('\n')) text.pop_back();
-    tell("kpf: log of the library: {}\n", escaped(text));
+    tell("kpf: log of the library: {}\n", escaped(line));
   }
-  std::free(line);
   if (lines <= kMostLines) return;
   const std::string more = countText(lines - kMostLines, "line");
   tell("kpf: log of the library: {} more\n", more);

@@ -7,10 +7,6 @@
 
 namespace KPF_TOOL {
 
-/// To be called first. Where standard input, output or error is closed its descriptor is taken, or
-/// the next file that is opened would have it, and results would be printed into a recording.
-void holdStandardDescriptors();
-
 /// Writes out what was printed. @return why not all of it could be written; nothing when it was.
 std::optional<std::string> flushStandardOutput();
 

@@ -1,10 +1,10 @@
 #include "tools/kpf/terminal/status_line.h"
 
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <cstdio>
 
+#include "tools/kpf/terminal/system.h"
 #include "tools/kpf/terminal/tell.h"
 
 namespace KPF_TOOL {
@@ -16,7 +16,7 @@ constexpr const char* kWipeLine = "\r\033[K";  // to the first column, and erase
 }  // namespace
 
 StatusLine::StatusLine(bool quiet)
-    : visible_(!quiet && isatty(STDERR_FILENO) != 0), begin_(Clock::now()), shown_(begin_) {}
+    : visible_(!quiet && errorIsTerminal()), begin_(Clock::now()), shown_(begin_) {}
 
 StatusLine::~StatusLine() {
   if (visible_) std::fputs(kWipeLine, stderr);

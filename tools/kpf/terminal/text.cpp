@@ -1,12 +1,11 @@
 #include "tools/kpf/terminal/text.h"
 
-#include <fmt/chrono.h>
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstddef>
-#include <ctime>
 #include <iterator>
 #include <string_view>
 
@@ -91,8 +90,15 @@ std::string quoted(const std::string& text) { return '"' + escaped(text, "\"\\")
 std::string timeText(std::int64_t seconds, std::uint32_t microseconds) {
   std::string text = fmt::format("{}.{:06}", seconds, microseconds);
   if (seconds <= 0 || seconds >= kYear10000) return text;
-  return fmt::format("{} ({:%F %T}.{:06} UTC)", text,
-                     fmt::gmtime(static_cast<std::time_t>(seconds)), microseconds);
+  // Not by gmtime, which knows no year after 3000 on Windows.
+  const std::chrono::sys_seconds time{std::chrono::seconds(seconds)};
+  const auto midnight = std::chrono::floor<std::chrono::days>(time);
+  const std::chrono::year_month_day date(midnight);
+  const std::chrono::hh_mm_ss clock(time - midnight);
+  return fmt::format("{} ({:04}-{:02}-{:02} {:02}:{:02}:{:02}.{:06} UTC)", text,
+                     static_cast<int>(date.year()), static_cast<unsigned>(date.month()),
+                     static_cast<unsigned>(date.day()), clock.hours().count(),
+                     clock.minutes().count(), clock.seconds().count(), microseconds);
 }
 
 std::string secondsText(double seconds) {
