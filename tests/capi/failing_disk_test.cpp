@@ -2,37 +2,16 @@
 #include "tests/capi/c_front_test.h"
 
 #ifndef _WIN32
-#include <sys/resource.h>
-#include <sys/stat.h>
-
-#include <csignal>
 #include <cstdint>
 #include <filesystem>
+
+#include "tests/support/file_size_limit.h"
 
 namespace {
 
 using TEST_SUPPORT::Bytes;
+using TEST_SUPPORT::FileSizeLimit;
 using TEST_SUPPORT::readBytes;
-
-/// No file grows past `bytes` while it lives; the signal that would tell is ignored.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(rlim_t bytes) : signalBefore_(std::signal(SIGXFSZ, SIG_IGN)) {
-    getrlimit(RLIMIT_FSIZE, &before_);
-    const rlimit limited{bytes, before_.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &limited);
-  }
-  ~FileSizeLimit() {
-    setrlimit(RLIMIT_FSIZE, &before_);
-    std::signal(SIGXFSZ, signalBefore_);
-  }
-  FileSizeLimit(const FileSizeLimit&) = delete;
-  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
- private:
-  rlimit before_{};
-  void (*signalBefore_)(int);
-};
 
 class FailingDisk : public TEST_CAPI::CFront {};
 

@@ -37,12 +37,29 @@ class Export(VideoTest):
 
     def test_lossless_targets_give_back_the_recording(self):
         for name, bits in (("eight", "8"), ("sixteen", "12")):
-            for target in (name + ".mkv", name + "_%06d.png", name + "_%06d.tif"):
+            for target in (name + ".mkv", name + "_out.y4m", name + "_%06d.png", name + "_%06d.tif",
+                           name + "_%06d.pgm"):
                 self.export(name + ".kpf", target)
                 self.record(target, "again.kpf", "--bits", bits, "--rate", "25", "--force",
                             "--quiet")
                 self.assertEqual(self.read("again/again_0001.div"),
                                  self.read("%s/%s_0001.div" % (name, name)), target)
+
+    def test_raw_frames_in_a_file_are_those_of_the_pipe(self):
+        self.export("sixteen.kpf", "out.raw", "--from", "1")
+        self.assertEqual(self.read("out.raw"), self.raw("sixteen.kpf", "-", "--from", "1"))
+
+    def test_y4m_in_a_pipe_is_recorded_again(self):
+        for name, bits in (("eight", "8"), ("sixteen", "12")):
+            video = self.raw(name + ".kpf", "-", "--y4m")
+            self.export(name + ".kpf", name + "_out.y4m")
+            self.assertEqual(video, self.read(name + "_out.y4m"))
+            done = subprocess.run([KPF, "record", "-", "again.kpf", "--bits", bits, "--force",
+                                   "--quiet", *self.start], cwd=self.folder, input=video,
+                                  capture_output=True, timeout=60, check=False)
+            self.assertEqual((done.returncode, done.stderr), (0, b""))
+            self.assertEqual(self.read("again/again_0001.div"),
+                             self.read("%s/%s_0001.div" % (name, name)))
 
     def test_images_are_numbered_by_their_frames(self):
         self.export("eight.kpf", "f_%06d.png", "--from", "3", "--to", "4")
@@ -126,7 +143,7 @@ class Export(VideoTest):
                 self.assertAlmostEqual(rows[8 * 5 + y], rows[8 * 4 + y], delta=6)
 
     def test_extensions_are_known_in_capitals_too(self):
-        for name, begin in (("a.MKV", b"\x1aE\xdf\xa3"), ("a.Png", b"\x89PNG"), ("a.TIFF", b"II*\0")):
+        for name, begin in (("a.MKV", b"\x1aE\xdf\xa3"), ("a.Y4m", b"YUV4"), ("a.Png", b"\x89PNG"), ("a.TIFF", b"II*\0")):
             self.export("eight.kpf", name, "--to", "0")
             self.assertEqual(self.read(name)[:4], begin)
 
@@ -261,6 +278,8 @@ class Export(VideoTest):
                 ("no such frames", ("eight.kpf", "-", "--from", "5")),
                 ("no such frames", ("eight.kpf", "-", "--from", "3", "--to", "2")),
                 ("do not go into one image", ("eight.kpf", "one.png")),
+                ("do not go into one image", ("eight.kpf", "one.pgm")),
+                ("--y4m is for frames on -", ("eight.kpf", "out.y4m", "--y4m")),
                 ("no extension that is known", ("eight.kpf", "out.xyz")),
                 ("--lost", ("eight.kpf", "-", "--lost", "grey")),
                 ("--from", ("eight.kpf", "-", "--from", "x"))):

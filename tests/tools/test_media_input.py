@@ -244,11 +244,11 @@ class WayBack(MediaInput):
         video = self.kpf_bytes("amplify", "eight.y4m", "-", "--y4m", "--frequency", "12", "--rate",
                                "29.97", "--quiet").stdout
         self.assertEqual(video[:video.index(b"\n") + 7],
-                         b"YUV4MPEG2 W6 H4 F29970:1000 Ip A1:1 Cmono\nFRAME\n")
+                         b"YUV4MPEG2 W6 H4 F2997:100 Ip A1:1 Cmono\nFRAME\n")
         self.assertEqual(len(video), video.index(b"\n") + 1 + 5 * (6 + 24))
         code, _, err = self.kpf("amplify", "eight.y4m", "out.mkv", "--y4m", "--frequency", "12")
         self.assertEqual(code, 2)
-        self.assertIn("Y4M goes to standard output only", err)
+        self.assertIn("--y4m is for frames on -", err)
 
     def test_bare_frames_must_be_named_well(self):
         for raw in ("6x4", "0x4:gray8", "6x4:rgb24", "6 x 4:gray8", "6x4:gray8:"):

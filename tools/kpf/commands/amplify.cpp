@@ -98,7 +98,7 @@ class AmplifyRun {
                     static_cast<int>(source.height()), options.gain}),
         clean_(amplifier_.windowSize(), options.gain),
         wrapping_(options.gain),
-        lost_(lostShownFor(options.lost, options.output == "-" && !options.y4m)),
+        lost_(lostShownFor(options.lost, isBare(options.output, options.y4m))),
         frame_(source.frameSize()),
         reference_(source.frameSize()),
         amplified_(source.frameSize()) {
@@ -240,7 +240,9 @@ void addAmplify(CLI::App& app, Job& job) {
   const auto [line, options] =
       addCommand(app, job, "amplify", "Make small movements visible", runAmplify);
   line.add_option("INPUT", options.input, "recording (.kpf), or what record takes")->required();
-  line.add_option("OUT", options.output, ".mkv, .mp4, frame_%06d.png or .tif, - raw")->required();
+  line.add_option("OUT", options.output,
+                  ".mkv, .y4m, .raw or .mp4, frame_%06d.png, .tif or .pgm, - raw")
+      ->required();
   line.add_option("--frequency", options.frequency, "of the motion, in hertz")
       ->check(between(kLowestFrequency, kHighestRate / 2))
       ->capture_default_str();

@@ -43,7 +43,7 @@ PictureFormat formatOf(const FrameSource& source, std::uint64_t frames,
 /// What to say of a frame rate that no video holds. Pipes and images have none anyway.
 std::string rateRemark(const FrameSource& source, const ExportOptions& options) {
   const double rate = source.frameRate();
-  if (rate == 0 || isShowableRate(rate) || (options.output == "-" && !options.y4m)) return "";
+  if (rate == 0 || isShowableRate(rate) || isBare(options.output, options.y4m)) return "";
   return fmt::format("{} tells an impossible frame rate: {:g}; {:g} is taken",
                      escaped(options.file), rate, kRateOfNone);
 }
@@ -55,7 +55,7 @@ class Copy {
       : source_(source),
         output_(output),
         options_(options),
-        lost_(lostShownFor(options.lost, options.output == "-" && !options.y4m)) {}
+        lost_(lostShownFor(options.lost, isBare(options.output, options.y4m))) {}
 
   /// @return how many of `frames` frames were gone through before the user wanted to stop.
   std::uint64_t run(std::uint64_t frames) {
@@ -129,7 +129,7 @@ void addExport(CLI::App& app, Job& job) {
       addCommand(app, job, "export", "Turn a recording into video or images", runExport);
   line.add_option("FILE", options.file, "header file (.kpf)")->required();
   line.add_option("OUT", options.output,
-                  ".mkv lossless, .mp4 for viewing, frame_%06d.png or .tif, - raw")
+                  ".mkv, .y4m, .raw lossless, .mp4 for viewing, frame_%06d.png, .tif, .pgm, - raw")
       ->required();
   addRange(line, options.range);
   addY4m(line, options.y4m);

@@ -3,7 +3,10 @@
 #include <fmt/format.h>
 
 #include <cstdio>
+#include <filesystem>
+#include <system_error>
 
+#include "paths/native_path.h"
 #include "tools/kpf/terminal/tell.h"
 #include "tools/kpf/terminal/text.h"
 
@@ -11,7 +14,7 @@ namespace KPF_TOOL {
 
 void addLost(CLI::App& line, std::string& lost) {
   line.add_option("--lost", lost,
-                  "in the place of lost frames: repeat the one before (black for -), black, skip")
+                  "instead of lost frames: repeat the one before (black for .raw, -), black, skip")
       ->check(CLI::IsMember({"repeat", "black", "skip"}));
 }
 
@@ -36,7 +39,8 @@ void LostList::finish(const LostFrames& lost, const std::string& input,
     file.write(text.data(), text.size());
     file.commit();
   } else if (list_.force) {
-    std::remove(list_.name.c_str());
+    std::error_code none;
+    std::filesystem::remove(PATHS::nativePath(list_.name), none);
   }
 }
 

@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <limits>
+#include <utility>
 #include <vector>
 
 #include "kpf_reader.h"
@@ -12,6 +13,7 @@
 #include "tools/kpf/frames/raw_output.h"
 #include "tools/kpf/frames/recorded_frames.h"
 #include "tools/kpf/media/media.h"
+#include "tools/kpf/plain/plain_output.h"
 #include "tools/kpf/recording/target.h"
 #include "tools/kpf/terminal/tell.h"
 #include "tools/kpf/terminal/text.h"
@@ -59,15 +61,22 @@ FileIds filesRead(const std::string& name) {
 std::unique_ptr<PictureOutput> openOutput(const Destination& destination,
                                           const PictureFormat& format) {
   if (destination.name != "-") {
-    if (!format.y4m) return openEncodedOutput(destination, format);
-    throw ToolError(Outcome::kWrongUsage, "Y4M goes to standard output only",
-                    "Write - for the output, or leave out --y4m.");
+    if (format.y4m) {
+      throw ToolError(Outcome::kWrongUsage, "--y4m is for frames on -",
+                      "Give a name that ends in .y4m, without it.");
+    }
+    auto plain = openPlainOutput(destination, format);
+    return plain != nullptr ? std::move(plain) : openEncodedOutput(destination, format);
   }
   if (destination.input.holds(STDOUT_FILENO)) {
     throw ToolError(Outcome::kRefused, "standard output is what is read",
                     "Send the frames into another file.");
   }
-  return openRawOutput(format);
+  return format.y4m ? openRawOutput(format, y4mFraming(format)) : openRawOutput(format);
+}
+
+bool isBare(const std::string& output, bool y4m) {
+  return (output == "-" && !y4m) || lowerCase(output).ends_with(".raw");
 }
 
 std::optional<std::uint64_t> framesAskedFor(const FrameSource& source, const FrameRange& range,

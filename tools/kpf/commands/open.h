@@ -34,10 +34,14 @@ FileIds filesOfRecording(const std::string& name);
 /// @throws KPF_READER::RecordingError.
 FileIds filesRead(const std::string& name);
 
-/// `-`: raw frames on standard output; anything else by its extension, see openEncodedOutput.
+/// `-`: bare frames or Y4M on standard output; anything else by its extension, see openPlainOutput
+/// and openEncodedOutput.
 /// @throws ToolError.
 std::unique_ptr<PictureOutput> openOutput(const Destination& destination,
                                           const PictureFormat& format);
+
+/// Whether what goes there is bare frames, for who looks for the very samples of the recording.
+bool isBare(const std::string& output, bool y4m);
 
 /// The error of a range that no frame is in.
 ToolError noSuchFrames(const std::string& name, const std::string& why);

@@ -16,7 +16,6 @@ struct Destination {
   std::string name;
   bool force = false;  // whether other files of that name may be replaced
   FileIds input;       // files that are read, and are not replaced by anybody's wish
-  bool y4m = false;    // on standard output: not bare frames
 };
 
 /// @param name of a file that `destination` stands for.

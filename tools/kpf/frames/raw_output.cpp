@@ -1,10 +1,9 @@
 #include "tools/kpf/frames/raw_output.h"
 
-#include <fmt/format.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
-#include <cmath>
 #include <cstddef>
 #include <string>
 #include <system_error>
@@ -14,36 +13,25 @@
 namespace KPF_TOOL {
 namespace {
 
-/// The line that begins a Y4M stream. Rates are fractions there: thousandths tell those that are
-/// written with three digits.
-std::string y4mHeader(const PictureFormat& format) {
-  constexpr double kParts = 1000;
-  const bool whole = format.frameRate == std::floor(format.frameRate);
-  const std::string rate = whole ? fmt::format("{:.0f}:1", format.frameRate)
-                                 : fmt::format("{:.0f}:1000", format.frameRate * kParts);
-  return fmt::format("YUV4MPEG2 W{} H{} F{} Ip A1:1 C{}\n", format.width, format.height, rate,
-                     format.samples == Samples::k8Bit ? "mono" : "mono16");
-}
+constexpr std::size_t kMostAtOnce = std::size_t{1} << 30;  // bytes; Windows counts in 32 bits
 
 class RawOutput : public PictureOutput {
  public:
   // A descriptor of its own: while the library is at work standard output is captured.
-  explicit RawOutput(const PictureFormat& format)
-      : size_(format.rowSize() * format.height), output_(dup(STDOUT_FILENO)) {
-    if (!format.y4m) return;
-    header_ = y4mHeader(format);
-    mark_ = "FRAME\n";
-  }
+  RawOutput(const PictureFormat& format, const Framing& framing)
+      : size_(format.rowSize() * format.height), framing_(framing), output_(dup(STDOUT_FILENO)) {}
   ~RawOutput() override {
     if (output_ >= 0) close(output_);
   }
   RawOutput(const RawOutput&) = delete;
   RawOutput& operator=(const RawOutput&) = delete;
 
+  // A frame that is begun is completed, also when Ctrl-C interrupts the wait for a full pipe:
+  // whoever reads it counts in frames.
   void add(const unsigned char* rows) override {
-    put(header_.data(), header_.size());
-    header_.clear();  // once
-    put(mark_.data(), mark_.size());
+    if (!began_) put(framing_.before.data(), framing_.before.size());
+    began_ = true;
+    put(framing_.eachFrame.data(), framing_.eachFrame.size());
     put(rows, size_);
   }
 
@@ -52,12 +40,11 @@ class RawOutput : public PictureOutput {
   }
 
  private:
-  // A frame that is begun is completed, also when Ctrl-C interrupts the wait for a full pipe:
-  // whoever reads it counts in frames.
-  void put(const void* data, std::size_t size) {
+  void put(const void* data, std::size_t size) const {
     const auto* const bytes = static_cast<const unsigned char*>(data);
     for (std::size_t done = 0; done < size;) {
-      const ssize_t written = write(output_, bytes + done, size - done);
+      const auto part = static_cast<unsigned>(std::min(size - done, kMostAtOnce));
+      const auto written = write(output_, bytes + done, part);
       if (written < 0 && errno == EINTR) continue;
       if (written < 0) fail();
       done += static_cast<std::size_t>(written);
@@ -71,15 +58,15 @@ class RawOutput : public PictureOutput {
   }
 
   std::size_t size_;
-  std::string header_;  // still to be written
-  std::string mark_;    // before each frame
-  int output_;          // -1 when standard output is closed
+  Framing framing_;
+  bool began_ = false;
+  int output_;  // -1 when standard output is closed
 };
 
 }  // namespace
 
-std::unique_ptr<PictureOutput> openRawOutput(const PictureFormat& format) {
-  return std::make_unique<RawOutput>(format);
+std::unique_ptr<PictureOutput> openRawOutput(const PictureFormat& format, const Framing& framing) {
+  return std::make_unique<RawOutput>(format, framing);
 }
 
 }  // namespace KPF_TOOL

@@ -14,7 +14,8 @@ namespace KPF_TOOL {
 namespace {
 
 constexpr const char* kExtensionAdvice =
-    "Give a name in .mkv (lossless), .mp4, .png, .tif (with %06d for more than one), or - .";
+    "Give a name in .mkv or .y4m (lossless), .mp4, .raw, .png, .tif or .pgm (with %06d for "
+    "several), or - .";
 
 /// For looking at: players want colour at half the resolution, and so even sizes.
 Encoding viewingEncoding(const char* muxer) {

@@ -23,7 +23,7 @@ std::unique_ptr<PictureOutput> openEncodedOutput(const Destination& destination,
   throw ToolError(
       Outcome::kWrongUsage,
       fmt::format("cannot make {}: this kpf is built without FFmpeg", escaped(destination.name)),
-      "Write raw frames to - , or use a kpf with FFmpeg for videos and images.");
+      "Write .y4m, .pgm, .raw, or - for raw frames, or use a kpf with FFmpeg.");
 }
 
 }  // namespace KPF_TOOL
