@@ -2,7 +2,9 @@
 import contextlib
 import os
 import pty
+import re
 import resource
+import signal
 import struct
 import subprocess
 import tempfile
@@ -10,11 +12,19 @@ import threading
 import unittest
 
 KPF = os.environ["KPF"]  # the program under test
+ON_WINDOWS = os.environ.get("ON_WINDOWS") == "1"  # it is one for Windows
+# What the system, or Wine, says of a file that is not there.
+NOT_THERE = "File not found" if ON_WINDOWS else "No such file or directory"
 CONVERTED = b"Converted"
 # Root may read and write everything, but for these two rights. Who is not root has neither.
 RIGHTS = "-dac_override,-dac_read_search"
 AS_ANYBODY = ([] if os.geteuid() != 0 else
               ["setpriv", "--bounding-set=" + RIGHTS, "--inh-caps=" + RIGHTS])
+
+
+def slashes(said):
+    """Names as they are written elsewhere: Windows puts its own separator between folder and file."""
+    return re.sub(r"\\(?=(clip|walk)[\\_]|notes)", "/", said) if ON_WINDOWS else said
 
 
 def header(width=4, height=2, bits=8, rate=25.0, frames=5, per_file=None, text2=b"", text5=b""):
@@ -101,12 +111,14 @@ class RecordingTest(unittest.TestCase):
         def limit():
             hard = resource.getrlimit(resource.RLIMIT_FSIZE)[1]
             resource.setrlimit(resource.RLIMIT_FSIZE, (file_size, hard))
+            if ON_WINDOWS:  # kpf knows nothing of the signal there
+                signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
 
         limited = limit if file_size != resource.RLIM_INFINITY else None
         done = subprocess.run([*self.runner, KPF, *arguments], cwd=self.folder,
                               capture_output=True, text=True, errors="surrogateescape", timeout=60,
                               check=False, preexec_fn=limited)
-        return done.returncode, done.stdout, done.stderr
+        return done.returncode, slashes(done.stdout), slashes(done.stderr)
 
     def kpf_bytes(self, *arguments):
         """The same for output that is no text."""

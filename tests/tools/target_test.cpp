@@ -126,6 +126,7 @@ TEST_F(Target, ThatIsCheckedIsNotRemoved) {
   EXPECT_TRUE(fs::exists(header_));
 }
 
+#ifndef _WIN32  // no holes in files, and folders that are missing have room
 TEST_F(Target, MayHaveTheRoomOfTheOlderRecording) {
   make("clip/clip_0001.div");
   const std::string file = folder_ / "clip/clip_0001.div";
@@ -137,14 +138,15 @@ TEST_F(Target, MayHaveTheRoomOfTheOlderRecording) {
   EXPECT_EQ(outcomeOf([&] { checkRoom(header_, free + free / 2); }), Outcome::kRefused);
 }
 
+TEST_F(Target, NeedsItsFolder) {
+  EXPECT_EQ(outcomeOf([&] { checkRoom(folder_ / "missing/clip.kpf", 1); }), Outcome::kRefused);
+}
+#endif
+
 TEST_F(Target, NeedsRoom) {
   EXPECT_EQ(outcomeOf([&] { checkRoom(header_, 1); }), Outcome::kDone);
   EXPECT_EQ(outcomeOf([&] { checkRoom(header_, std::numeric_limits<std::uint64_t>::max()); }),
             Outcome::kRefused);
-}
-
-TEST_F(Target, NeedsItsFolder) {
-  EXPECT_EQ(outcomeOf([&] { checkRoom(folder_ / "missing/clip.kpf", 1); }), Outcome::kRefused);
 }
 
 TEST_F(Target, AnObstacleIsNamedAsFarAsTheDiskShowsIt) {

@@ -3,7 +3,7 @@ import json
 import os
 import unittest
 
-from recordings import RecordingTest, header, run
+from recordings import NOT_THERE, RecordingTest, header, run
 
 COMPLETE = """\
 file        ./clip.kpf
@@ -121,7 +121,7 @@ class Info(RecordingTest):
     def test_missing_file(self):
         code, out, err = self.kpf("info", "none.kpf")
         self.assertEqual((code, out), (2, ""))
-        self.assertEqual(err, "kpf: none.kpf, byte 0: No such file or directory\n"
+        self.assertEqual(err, "kpf: none.kpf, byte 0: " + NOT_THERE + "\n"
                               "Give the header file (.kpf) of a recording that you may read.\n")
 
     def test_another_kind_of_file(self):
@@ -134,10 +134,10 @@ class Info(RecordingTest):
         code, out, err = self.kpf("info", "--json", "none.kpf")
         self.assertEqual(code, 2)
         self.assertEqual(json.loads(out), {"error": {
-            "name": "unreadable-input", "text": "none.kpf, byte 0: No such file or directory",
+            "name": "unreadable-input", "text": "none.kpf, byte 0: " + NOT_THERE,
             "advice": "Give the header file (.kpf) of a recording that you may read.",
             "exitCode": 2}})
-        self.assertIn("kpf: none.kpf, byte 0: No such file or directory\n", err)
+        self.assertIn("kpf: none.kpf, byte 0: " + NOT_THERE + "\n", err)
 
     def test_json_tells_wrong_usage_too(self):
         code, out, err = self.kpf("info", "--json")
