@@ -40,17 +40,25 @@ class Behind:
 
     def __init__(self, frame_size: int) -> None:
         self._size = frame_size
-        self._rest = (0, 0)  # read already, of the block in which the last frame ended
+        # What was read and not given back, all of one block, and where that block ends.
+        self._first = self._last = self._block_end = 0
 
     def passed(self, frame: _signatures.Frame) -> None:
         """That frame was read."""
-        if not frame.pixels:
+        pixels = frame.pixels
+        if not pixels:
             return
-        end = frame.pixels + self._size
-        mapping = frame.pixels - frame.pixel_offset
-        first = max(mapping, frame.pixels // _BLOCK * _BLOCK)
-        last = max(first, end // _BLOCK * _BLOCK)
-        if self._rest[0] != first:  # it does not go on where the last one ended
-            _give_back(*self._rest)
-        _give_back(first, last)
-        self._rest = (last, -(-end // mmap.PAGESIZE) * mmap.PAGESIZE)
+        end = pixels + self._size
+        if self._first <= pixels and end < self._block_end:
+            self._last = max(self._last, end)  # the block goes on
+        else:
+            self._leave(pixels, pixels - frame.pixel_offset, end)
+
+    def _leave(self, pixels: int, mapping: int, end: int) -> None:
+        """Gives back all but the block in which the frame ends."""
+        first = max(mapping, pixels // _BLOCK * _BLOCK)
+        if self._first != first:  # it does not go on where the last one ended
+            _give_back(self._first, -(-self._last // mmap.PAGESIZE) * mmap.PAGESIZE)
+        self._block_end = (end // _BLOCK + 1) * _BLOCK
+        self._first, self._last = max(first, self._block_end - _BLOCK), end
+        _give_back(first, self._first)
