@@ -51,7 +51,9 @@ VLM_INTERNAL::VXP_STREAM_CONFIGURATION configurationOf(const kpf_writer_options&
     case STREAM_HEADER_FAILED:
       throw Failure(KPF_ERROR_WRITE, name + ": the header file cannot be written");
     case STREAM_BAD_PATH:
-      throw Failure(KPF_ERROR_OPEN, name + ": the folder for the data files cannot be made");
+      throw Failure(KPF_ERROR_OPEN, name +
+                                        ": the folder for the data files cannot be made; is a "
+                                        "file of its name there?");
     default:
       throw Failure(KPF_ERROR_INTERNAL, name + ": status " + std::to_string(status));
   }

@@ -79,6 +79,7 @@ TEST_F(Refusals, FolderThatIsNotThere) {
 TEST_F(Refusals, DataFolderThatCannotBeMadeTakesTheHeaderBack) {
   writeText(folder / "clip", "a file in the folder's place");
   EXPECT_EQ(create(name.c_str(), smallOptions()), KPF_ERROR_OPEN);
+  EXPECT_THAT(kpf_error_text(), HasSubstr("is a file of its name there?"));
   EXPECT_FALSE(std::filesystem::exists(name));
   EXPECT_EQ(readText(folder / "clip"), "a file in the folder's place");
 }

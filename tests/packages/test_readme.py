@@ -59,8 +59,9 @@ class Readme(ScratchSystem):
 
     def test_the_lines_for_python_show_a_frame(self):
         (self.folder / "rows.py").write_text(block_after("From Python", "python"))
-        self.run_as_root("cmake --install build/release\nldconfig\n/usr/bin/python3 rows.py\n",
-                         [self.stand_ins])
+        # In the folder where those for C were tried: what they left is not in the way.
+        self.run_as_root("cmake --install build/release\nldconfig\n" + block_after(FROM_C, "sh") +
+                         "rm frame.pgm\n/usr/bin/python3 rows.py\n", [self.stand_ins])
         white, black = b"\xff" * 640, bytes(640)
         self.assertEqual((self.folder / "frame.pgm").read_bytes(),
                          b"P5 640 480 255\n" + white * 101 + black * 379)
