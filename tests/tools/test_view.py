@@ -1,6 +1,5 @@
 """kpf view: what the server gives, and to whom."""
 import json
-import math
 import os
 import signal
 import unittest
@@ -168,6 +167,49 @@ class Frames(ViewTest):
         self.assertEqual(self.json("lost"), {"lost": [[1, 3]], "searched": 5})
         self.assertEqual(self.json("lost", **{"from": 2}), {"lost": [[2, 3]], "searched": 5})
 
+    def test_files_that_become_shorter_or_vanish_are_survived(self):
+        """What was there when the page was opened may be taken away by any other program."""
+        self.write("clip.kpf", header(width=96, height=64, frames=40, text2=b"long"))
+        data = [record(n, bytes([n]) * 6144) for n in range(40)]
+        self.write("clip/clip_0001.div", b"".join(data))
+        self.view("clip.kpf")
+        self.assertEqual(self.frames(**{"from": 39})[0].state, 0)
+        self.cut("clip/clip_0001.div", 20 * 6160 + 7)
+        for values in ({}, {"tone": "0,4095,1"}, {"pictures": "amplified", "frequency": 5}):
+            states = [frame.state for frame in self.frames(**{"from": 18, "count": 4}, **values)]
+            self.assertEqual(states, [0, 0, 3, 3])
+        self.assertEqual(self.json("lost"), {"lost": [[20, 39]], "searched": 40})
+        self.assertEqual(self.json("vibration", box="0,0,8,8")["frames"], 20)
+        self.cut("clip/clip_0001.div", 0)
+        self.assertEqual(self.frames()[0].state, 3)
+        os.remove(self.path("clip/clip_0001.div"))
+        self.assertEqual(self.frames()[0].state, 3)
+        self.write("clip/clip_0001.div", b"".join(data))
+        self.assertEqual(self.frames(**{"from": 39})[0].pictures, [bytes([39]) * 6144])
+
+    def test_amplified_frames_of_a_recording_that_grows(self):
+        """The window goes on: it is not filled anew for each frame that comes."""
+        data = [record(n, bytes((n * 37 + i * 11) % 256 for i in range(8))) for n in range(60)]
+        self.write("clip.kpf", header(frames=60))
+        self.write("clip/clip_0001.div", b"".join(data[:30]))
+        self.view("clip.kpf")
+        values = {"pictures": "amplified", "frequency": 5, "gain": 8}
+        self.frames(**{"from": 29}, **values)
+        self.write("clip/clip_0001.div", b"".join(data))
+        while self.json("recordings")["recordings"][0]["places"] < 60:
+            pass  # what was found out is believed for a moment
+        made = self.kpf_bytes("amplify", "clip.kpf", "-", "--frequency", "5", "--gain", "8").stdout
+        for n in (30, 31, 59):
+            self.assertEqual(self.frames(**{"from": n}, **values)[0].pictures, [made[8 * n:8 * n + 8]])
+
+    def test_gains_beyond_those_of_the_command_are_refused(self):
+        self.write("clip.kpf", header(frames=60))
+        self.write("clip/clip_0001.div", run(range(60)))
+        self.view("clip.kpf")
+        for gain in ("-1", "256", "1e9"):
+            status, _, body = self.ask("api/frames?pictures=amplified&frequency=5&gain=" + gain)
+            self.assertEqual(status, 400, body)
+
     def test_a_recording_that_grows_is_followed(self):
         self.cut("clip/clip_0001.div", 24 * 2 + 7)
         self.view("clip.kpf")
@@ -233,142 +275,6 @@ class Frames(ViewTest):
         self.assertEqual((moved.pictures[0][:6], moved.wraps), (rows[19][:6], 0))
         up, down = moved.pictures[0][6:8]
         self.assertTrue(up > 160 and down < 20, (up, down))  # by nine and eleven levels, eight times
-
-
-class Vibration(ViewTest):
-    FRAMES, RATE = 200, 100
-
-    def setUp(self):
-        """Stripes of 8 pixels that swing by a tenth of a pixel, 12 times a second; one frame is lost."""
-        super().setUp()
-        self.write("clip.kpf", header(width=32, height=24, rate=100.0, frames=self.FRAMES))
-        data = b""
-        for n in range(self.FRAMES):
-            shift = 0.1 * math.sin(2 * math.pi * 12 * n / self.RATE)
-            row = bytes(round(128 + 100 * math.sin(2 * math.pi * (x - shift) / 8)) for x in range(32))
-            data += bytes(16 + 32 * 24) if n == 90 else record(n, row * 24, rate=100)
-        self.write("clip/clip_0001.div", data)
-        self.view("clip.kpf")
-
-    def test_frequency_and_way_of_what_swings(self):
-        for box in ("4,4,20,16", "16,12,1,1"):
-            found = self.json("vibration", recording=0, box=box)
-            self.assertEqual((found["rate"], found["frames"], found["lost"]), (100, 200, 1))
-            peak = found["signals"]["x"]["peaks"][0]
-            self.assertAlmostEqual(peak["frequency"], 12, delta=0.5)  # one cycle in two seconds
-            self.assertAlmostEqual(peak["amplitude"], 0.1, delta=0.01)
-            self.assertGreater(found["signals"]["x"]["quality"]["shown"], 0.9)
-            self.assertEqual(found["signals"]["y"]["peaks"], [])
-            self.assertEqual(len(found["signals"]["x"]["values"]), 200)
-        self.assertEqual(self.json("vibration", box="16,12,1,1")["box"], [9, 5, 15, 15])
-
-    def test_map_of_energy_and_of_the_dominant_frequency(self):
-        """Everything swings; what is told of it is 12 Hz."""
-        for kind in ("energy", "dominant"):
-            found = self.json("map", kind=kind, frequency=12)
-            self.assertEqual((found["width"], found["height"], found["cell"]), (32, 24, 1))
-            self.assertEqual(len(found["values"]), 32 * 24)
-        # A tenth of a pixel on a slope of 78.5 levels a pixel.
-        self.assertAlmostEqual(self.json("map", kind="energy", frequency=12)["most"], 7.85, delta=0.6)
-        self.assertLess(self.json("map", kind="energy", frequency=30)["most"], 1)
-
-    def test_maps_outside_what_the_frames_tell(self):
-        for frequency in ("0", "0.5", "51", "-3"):
-            self.assertEqual(self.ask("api/map?kind=energy&frequency=" + frequency)[0], 400, frequency)
-
-    def test_only_the_piece_is_looked_at(self):
-        found = self.json("vibration", box="0,0,8,8", **{"from": 50, "to": 149})
-        self.assertEqual((found["first"], found["frames"]), (50, 100))
-
-    def test_regions_outside_are_refused(self):
-        for box in ("", "1,2", "0,0,0,0", "30,0,3,3", "0,0,4294967295,4294967295", "-1,0,2,2"):
-            status, _, body = self.ask("api/vibration?box=" + box)
-            self.assertIn((status, box), ((400, box), (200, "-1,0,2,2")), body)
-
-    def test_too_few_frames(self):
-        self.write("few.kpf", header())
-        os.mkdir(self.path("few"))
-        self.write("few/few_0001.div", run(range(5)))
-        self.view("few.kpf")
-        self.assertEqual(self.ask("api/vibration?box=0,0,2,2")[0], 400)
-
-
-class Jobs(ViewTest):
-    def setUp(self):
-        super().setUp()
-        self.view("clip.kpf")
-        self.still = {"kind": "still", "recording": 0, "place": 2, "show": "original", "tone": [0, 255, 1]}
-
-    def end_of(self, **job):
-        status, reply = self.post("jobs", **job)
-        self.assertEqual(status, 200, reply)
-        while True:
-            told = self.json("jobs", id=reply["id"])
-            if told["state"] == "done":
-                return told
-
-    def test_export_is_that_of_the_command(self):
-        job = {"kind": "export", "recording": 0, "name": "piece.mkv", "from": 1, "to": 3}
-        self.assertEqual(self.end_of(**job), {"state": "done", "code": 0, "text": ""})
-        self.assertEqual(self.kpf("export", "clip.kpf", "wanted.mkv", "--from", "1", "--to", "3")[0], 0)
-        self.assertEqual(self.pictures("piece.mkv"), self.pictures("wanted.mkv"))
-
-    def pictures(self, name):
-        code, _, err = self.kpf("record", name, "back.kpf", "--force", "--quiet", "--start", "1700000000")
-        self.assertEqual(code, 0, err)
-        with open(self.path("back/back_0001.div"), "rb") as file:
-            return file.read()
-
-    def test_amplify_is_that_of_the_command(self):
-        job = {"kind": "amplify", "recording": 0, "name": "big.mkv", "frequency": 12, "gain": 8}
-        self.assertEqual(self.end_of(**job)["code"], 0)
-        self.assertEqual(self.kpf("amplify", "clip.kpf", "wanted.mkv", "--frequency", "12", "--gain", "8")[0], 0)
-        self.assertEqual(self.pictures("big.mkv"), self.pictures("wanted.mkv"))
-
-    def test_what_the_command_says_is_told(self):
-        told = self.end_of(kind="export", recording=0, name="piece.xyz")
-        self.assertEqual(told["code"], 2)
-        self.assertIn("no extension that is known", told["text"])
-
-    def test_still_has_the_frame_and_a_caption(self):
-        self.write("clip.kpf", header(width=320, height=2, frames=3))
-        self.write("clip/clip_0001.div", run(range(3), pixels=bytes(range(256)) * 2 + bytes(128)))
-        self.view("clip.kpf")
-        self.assertEqual(self.post("jobs", name="still.png", **self.still), (200, {"id": 0, "file": "still.png"}))
-        code, _, err = self.kpf("record", "still.png", "back.kpf", "--quiet")
-        self.assertEqual(code, 0, err)
-        with open(self.path("back/back_0001.div"), "rb") as file:
-            data = file.read()[16:]
-        self.assertEqual(data[:640], bytes(range(256)) * 2 + bytes(128))
-        lines = (len(data) - 640) // 320 // 28
-        self.assertGreaterEqual(lines, 3)  # name, number and time do not fit into one
-        self.assertIn(255, data[640:])
-
-    def test_names_lead_nowhere_else(self):
-        for name in ("", ".", "..", ".hidden.png", "../x.png", "/tmp/x.png", "a/b.png", "a\nb.png", "a\0.png",
-                     "x" * 300 + ".png", "clip.kpf"):
-            for kind in ("still", "export"):
-                status, reply = self.post("jobs", **{**self.still, "kind": kind, "name": name})
-                self.assertEqual(status, 400, (kind, name))
-                self.assertIn("error", reply)
-        self.assertEqual(sorted(os.listdir(self.folder)), ["clip", "clip.kpf"])
-
-    def test_nothing_is_overwritten(self):
-        self.write("still.png", b"mine")
-        self.assertEqual(self.post("jobs", name="still.png", **self.still)[0], 400)
-        self.assertEqual(self.post("jobs", name="still.png", **{**self.still, "kind": "export"})[0], 400)
-        with open(self.path("still.png"), "rb") as file:
-            self.assertEqual(file.read(), b"mine")
-
-    def test_only_known_commands_run(self):
-        for kind in ("record", "view", "--help", "", "sheet", "info"):
-            self.assertEqual(self.post("jobs", **{**self.still, "kind": kind, "name": "x.png"})[0], 400, kind)
-
-    def test_lost_frames_make_no_still(self):
-        self.write("clip/clip_0001.div", record(0) + bytes(24) + run(range(2, 5)))
-        self.view("clip.kpf")
-        status, reply = self.post("jobs", **{**self.still, "name": "x.png", "place": 1})
-        self.assertEqual((status, reply["error"]), (400, "frame 1 is lost. Choose another one."))
 
 
 class Arguments(ViewTest):

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "tools/kpf/view/numbers.h"
-#include "tools/kpf/view/picture.h"
+#include "tools/kpf/view/screen_picture.h"
 
 namespace KPF_TOOL {
 namespace {
@@ -24,7 +24,7 @@ struct Wanted {
   Wanted(const Request& request, const KPF_READER::Header& header, const std::string& path)
       : cutout(cutoutOf(textOf(request, "cut"), header.width, header.height)),
         amplification{path, numberOf(request, "frequency", 1), numberOf(request, "gain", 4),
-                      textOf(request, "way", "library") == "clean"} {
+                      textOf(request, "way", "library") == "clean", false} {
     const std::string tones = textOf(request, "tone");
     if (!tones.empty()) {
       const auto values = numbersOf(tones, 3);
@@ -34,8 +34,11 @@ struct Wanted {
     for (std::size_t end; (end = names.find(',')) != std::string::npos; names.erase(0, end + 1)) {
       pictures.push_back(names.substr(0, end));
     }
-    amplifies = std::any_of(pictures.begin(), pictures.end(),
-                            [](const std::string& name) { return name != "original"; });
+    const auto wants = [this](const auto& what) {
+      return std::any_of(pictures.begin(), pictures.end(), what);
+    };
+    amplifies = wants([](const std::string& name) { return name != "original"; });
+    amplification.marked = wants([](const std::string& name) { return name == "marks"; });
   }
 
   Cutout cutout;
@@ -48,26 +51,22 @@ struct Wanted {
 class Answerer {
  public:
   Answerer(const Wanted& wanted, ShownRecording& recording, LiveAmplifier& amplifier)
-      : wanted_(wanted),
-        recording_(recording),
-        header_(recording.header()),
-        amplifier_(amplifier) {}
+      : wanted_(wanted), header_(recording.header()), frames_(recording), amplifier_(amplifier) {}
 
   void add(std::uint32_t place) {
-    const ShownFrame frame = recording_.frame(place);
+    const ShownFrame frame = frames_.at(place);
     const std::size_t head = out_.size();
     out_.resize(head + kHead);
     AmplifiedPictures made;
     std::uint32_t pictures = 0;
-    if (wanted_.amplifies && place < recording_.places()) {
-      made = amplifier_.at(wanted_.amplification, place);
-    }
     if (frame.state == FrameState::kThere) {
+      if (wanted_.amplifies) made = amplifier_.at(wanted_.amplification, place);
       for (const std::string& name : wanted_.pictures) pictures += addPicture(name, frame, made);
     }
     writeHead(head, frame, made, pictures);
   }
 
+  std::uint32_t places() const { return frames_.places(); }
   std::size_t size() const { return out_.size(); }
   std::vector<unsigned char> take() { return std::move(out_); }
 
@@ -139,8 +138,8 @@ class Answerer {
   }
 
   const Wanted& wanted_;
-  ShownRecording& recording_;
   const KPF_READER::Header& header_;
+  ShownFrames frames_;
   LiveAmplifier& amplifier_;
   std::vector<std::uint16_t> unpacked_;
   std::vector<unsigned char> out_;
@@ -153,9 +152,8 @@ Reply answerFrames(const Request& request, ShownRecording& recording, LiveAmplif
   const std::uint64_t from = wholeOf(request, "from", 0);
   const std::uint64_t step = std::max(wholeOf(request, "step", 1), 1U);
   const std::uint32_t count = std::clamp(wholeOf(request, "count", 1), 1U, kMostFrames);
-  const std::uint32_t places = recording.places();
   Answerer answer(wanted, recording, amplifier);
-  for (std::uint64_t i = 0; i < count && from + i * step < places; ++i) {
+  for (std::uint64_t i = 0; i < count && from + i * step < answer.places(); ++i) {
     answer.add(static_cast<std::uint32_t>(from + i * step));
     if (answer.size() >= kEnoughBytes) break;
   }

@@ -4,7 +4,7 @@
 
 #include "tools/kpf/view/exchange.h"
 #include "tools/kpf/view/live_amplifier.h"
-#include "tools/kpf/view/shown_recording.h"
+#include "tools/kpf/view/shown_frames.h"
 
 namespace KPF_TOOL {
 

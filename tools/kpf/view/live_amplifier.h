@@ -3,13 +3,12 @@
 #define KPF_LIVE_AMPLIFIER_H
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
-#include <vector>
 
-#include "tools/kpf/frames/amplifier.h"
-#include "tools/kpf/frames/frame_source.h"
+#include "tools/kpf/view/amplified_pictures.h"
 
 namespace KPF_TOOL {
 
@@ -18,45 +17,33 @@ struct Amplification {
   std::string recording;
   double frequency = 1;  // of the motion, in hertz
   double gain = 4;
-  bool clean = false;  // see CleanAmplifier; else as the library does it
-  bool operator==(const Amplification&) const = default;
+  bool clean = false;   // see CleanAmplifier; else as the library does it
+  bool marked = false;  // whether marks are wanted
 };
-
-/// The pictures of one place, 8 bits a sample. As vectors that nobody changes they can be sent
-/// while the next ones are made.
-struct AmplifiedPictures {
-  using Picture = std::shared_ptr<const std::vector<unsigned char>>;
-  Picture reference, amplified;
-  Picture marks;  // kWraps, kClips, or 0
-  std::uint32_t wraps = 0, clips = 0;
-  bool windowFull = false;  // before that, frames pass unchanged
-};
-
-/// A pixel's gain as the page marks it.
-enum Mark : unsigned char { kUnmarked = 0, kClips = 1, kWraps = 2 };
 
 /**
  * The same pictures as kpf amplify makes, from the same source and amplifiers.
  *
- * The frame behind the last one costs one step; any other one fills the window anew, as `kpf
- * amplify --from` does. The library's amplifiers share a table, so all goes through one lock.
+ * The frame behind the last one costs one step, and those just before it, of which several requests
+ * may be under way, none; any other one fills the window anew, as `kpf amplify --from` does.
  */
 class LiveAmplifier {
  public:
-  /// @throws ToolError where the frequency does not go with the recording.
+  LiveAmplifier();
+  ~LiveAmplifier();
+  LiveAmplifier(const LiveAmplifier&) = delete;
+  LiveAmplifier& operator=(const LiveAmplifier&) = delete;
+
+  /// Any thread may ask. @throws ToolError where the frequency does not go with the recording.
   AmplifiedPictures at(const Amplification& wanted, std::uint32_t place);
 
  private:
-  struct Running;
+  class Window;
 
-  bool canGoOnTo(const Amplification& wanted, std::uint32_t place) const;
-  void step();
-  bool windowIsFull() const;
-  AmplifiedPictures libraryPictures() const;
-  AmplifiedPictures cleanPictures() const;
+  Moment momentAt(const Amplification& wanted, std::uint32_t place);
 
-  std::mutex mutex_;
-  std::shared_ptr<Running> running_;
+  std::mutex mutex_;  // the library's amplifiers share a table
+  std::map<std::string, std::unique_ptr<Window>> windows_;  // the last one of each recording
 };
 
 }  // namespace KPF_TOOL

@@ -4,40 +4,19 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
-#include <string>
 #include <vector>
 
-#include "tools/kpf/analysis/candidates.h"
-#include "tools/kpf/analysis/frame_batch.h"
 #include "tools/kpf/analysis/peaks.h"
 #include "tools/kpf/analysis/stretches.h"
-#include "tools/kpf/analysis/swing_map.h"
+#include "tools/kpf/probing/measurement.h"
 #include "tools/kpf/terminal/tool_error.h"
-#include "tools/kpf/view/analysed_frames.h"
 #include "tools/kpf/view/numbers.h"
+#include "tools/kpf/view/probed_piece.h"
 
 namespace KPF_TOOL {
 namespace {
 
-constexpr std::size_t kFrequencies = 6;  // that a pixel may be told to swing at
-constexpr unsigned kMostCells = 320;     // along either side
-
-template <class Sink>
-void readInto(Sink& sink, AnalysedFrames& frames, const AnalysedRange& range) {
-  FrameBatch batch(frames.layout(), [&sink](const unsigned char* bytes, std::size_t count) {
-    sink.add(bytes, count);
-  });
-  for (std::uint32_t place = range.first; place < range.end; ++place) {
-    if (const unsigned char* const frame = frames.at(place)) {
-      std::copy_n(frame, frames.layout().frameSize(), batch.place());
-      batch.add();
-    } else {
-      batch.addLost();
-    }
-  }
-  batch.finish();
-}
+constexpr unsigned kMostCells = 320;  // along either side
 
 /// The largest value of each cell.
 Json cellsJson(const PictureMap& map, unsigned cell) {
@@ -55,45 +34,31 @@ Json cellsJson(const PictureMap& map, unsigned cell) {
   return {{"width", width}, {"height", height}, {"cell", cell}, {"values", values}, {"most", most}};
 }
 
-PictureMap energyMap(double frequency, AnalysedFrames& frames, const AnalysedRange& range,
-                     double rate) {
-  const Stretches stretches = Stretches::of(range.frames());
-  const double lowest = kFewestCycles * rate / static_cast<double>(stretches.length);
-  if (frequency < lowest || frequency > rate / 2) {
-    throw ToolError(Outcome::kWrongUsage,
-                    fmt::format("a map of these frames tells {:.4g} to {:g} Hz", lowest, rate / 2),
-                    "Choose a frequency between them.");
-  }
-  SwingMap map(frames.layout(), stretches, rate, {frequency});
-  readInto(map, frames, range);
-  return map.amplitudes(0);
-}
-
-PictureMap dominantMap(AnalysedFrames& frames, const AnalysedRange& range, double rate) {
-  const Stretches stretches = Stretches::of(range.frames());
-  Candidates candidates(frames.layout(), stretches, rate);
-  readInto(candidates, frames, range);
-  const std::vector<double> frequencies = candidates.frequencies(kFrequencies);
-  SwingMap map(frames.layout(), stretches, rate, frequencies);
-  if (!frequencies.empty()) readInto(map, frames, range);
-  return map.dominant();
+/// @throws ToolError where a map of these frames cannot tell it.
+void checkFrequency(double frequency, const Probed& piece) {
+  const auto length = static_cast<double>(Stretches::of(piece.frames).length);
+  const double lowest = kFewestCycles * piece.rate / length;
+  if (frequency >= lowest && frequency <= piece.rate / 2) return;
+  throw ToolError(
+      Outcome::kWrongUsage,
+      fmt::format("a map of these frames tells {:.4g} to {:g} Hz", lowest, piece.rate / 2),
+      "Choose a frequency between them.");
 }
 
 }  // namespace
 
 Reply answerMap(const Request& request, ShownRecording& recording) {
-  const double rate = recording.header().frameRate;
-  AnalysedFrames frames(recording);
-  const AnalysedRange range(request, recording, frames.layout().pixelCount());
+  const Probed piece = probedPiece(request, recording, recording.header().pixelCount());
   const bool energy = textOf(request, "kind") == "energy";
   const double frequency = numberOf(request, "frequency", 1);
-  const PictureMap map =
-      energy ? energyMap(frequency, frames, range, rate) : dominantMap(frames, range, rate);
+  if (energy) checkFrequency(frequency, piece);
+  const PictureMap map = energy ? mapOfFrequency(piece, frequency, noProgress).map
+                                : mapOfDominance(piece, noProgress).map;
   const unsigned longer = std::max(map.width, map.height);
   Json json = cellsJson(map, std::max((longer + kMostCells - 1) / kMostCells, 1U));
   json["text"] =
-      energy ? fmt::format("Swings at {:g} Hz, of {} frames.", frequency, range.frames())
-             : fmt::format("The strongest frequency of each pixel, of {} frames.", range.frames());
+      energy ? fmt::format("Swings at {:g} Hz, of {} frames.", frequency, piece.frames)
+             : fmt::format("The strongest frequency of each pixel, of {} frames.", piece.frames);
   return replyWith(json);
 }
 

@@ -7,12 +7,13 @@
 
 #include "tools/kpf/terminal/text.h"
 #include "tools/kpf/terminal/tool_error.h"
-#include "tools/kpf/view/analysed_frames.h"
 #include "tools/kpf/view/frames_answer.h"
 #include "tools/kpf/view/job_request.h"
 #include "tools/kpf/view/map_answer.h"
 #include "tools/kpf/view/numbers.h"
 #include "tools/kpf/view/page_files.h"
+#include "tools/kpf/view/probed_piece.h"
+#include "tools/kpf/view/shown_frames.h"
 #include "tools/kpf/view/still.h"
 #include "tools/kpf/view/vibration_answer.h"
 
@@ -35,10 +36,10 @@ Reply answerFile(const std::string& name) {
 }
 
 /// The first frame that is there, by which the page tells the time of every other one.
-Json firstFrameOf(ShownRecording& recording, std::uint32_t places) {
+Json firstFrameOf(ShownFrames& frames) {
   constexpr std::uint32_t kTries = 1000;  // placeholders at the head of a recording
-  for (std::uint32_t place = 0; place < std::min(places, kTries); ++place) {
-    const ShownFrame frame = recording.frame(place);
+  for (std::uint32_t place = 0; place < std::min(frames.places(), kTries); ++place) {
+    const ShownFrame frame = frames.at(place);
     if (frame.state != FrameState::kThere) continue;
     return {{"place", place},
             {"seconds", frame.record.seconds},
@@ -49,12 +50,12 @@ Json firstFrameOf(ShownRecording& recording, std::uint32_t places) {
 
 Json jsonOf(ShownRecording& recording) {
   const KPF_READER::Header& header = recording.header();
-  const std::uint32_t places = recording.places();
+  ShownFrames frames(recording);
   return {{"name", escaped(recording.path())}, {"width", header.width},
           {"height", header.height},           {"bits", header.bitsPerPixel()},
-          {"rate", header.frameRate},          {"places", places},
+          {"rate", header.frameRate},          {"places", frames.places()},
           {"announced", header.frameCount},    {"text2", escaped(header.text2)},
-          {"text5", escaped(header.text5)},    {"first", firstFrameOf(recording, places)}};
+          {"text5", escaped(header.text5)},    {"first", firstFrameOf(frames)}};
 }
 
 }  // namespace
@@ -121,8 +122,8 @@ Reply PageAnswer::answerRecordings() {
 }
 
 Reply PageAnswer::answerLost(const Request& request) {
-  const auto [lost, searched] =
-      recordingOf(wholeOf(request, "recording", 0)).lostFrom(wholeOf(request, "from", 0));
+  ShownFrames frames(recordingOf(wholeOf(request, "recording", 0)));
+  const auto [lost, searched] = frames.lostFrom(wholeOf(request, "from", 0));
   return replyWith(Json{{"lost", lost}, {"searched", searched}});
 }
 

@@ -18,7 +18,8 @@
 #include "tools/kpf/terminal/text.h"
 #include "tools/kpf/terminal/tool_error.h"
 #include "tools/kpf/view/job_request.h"
-#include "tools/kpf/view/picture.h"
+#include "tools/kpf/view/screen_picture.h"
+#include "tools/kpf/view/shown_frames.h"
 
 namespace KPF_TOOL {
 namespace {
@@ -69,8 +70,9 @@ class Still {
         place_(wanted.at("place").get<std::uint32_t>()),
         show_(wanted.at("show").get<std::string>()),
         how_{recording.path(), wanted.value("frequency", 1.0), wanted.value("gain", 1.0),
-             wanted.value("clean", false)},
-        frame_(recording.frame(place_)),
+             wanted.value("clean", false), false},
+        frames_(recording),
+        frame_(frames_.at(place_)),
         tone_(toneOf(wanted)) {
     if (frame_.state != FrameState::kThere) {
       throw ToolError(Outcome::kWrongUsage, fmt::format("frame {} is lost", place_),
@@ -127,6 +129,7 @@ class Still {
   std::uint32_t place_;
   std::string show_;
   Amplification how_;
+  ShownFrames frames_;
   ShownFrame frame_;
   Tone tone_;
   AmplifiedPictures made_;

@@ -1,26 +1,17 @@
 #include "tools/kpf/view/vibration_answer.h"
 
-#include <cstddef>
-#include <cstdint>
 #include <optional>
-#include <string>
 
-#include "tools/kpf/analysis/displacement.h"
-#include "tools/kpf/analysis/mean_picture.h"
-#include "tools/kpf/analysis/peaks.h"
-#include "tools/kpf/analysis/picture.h"
-#include "tools/kpf/analysis/spectrum.h"
-#include "tools/kpf/analysis/waveform.h"
+#include "tools/kpf/probing/measurement.h"
 #include "tools/kpf/terminal/tool_error.h"
-#include "tools/kpf/view/analysed_frames.h"
 #include "tools/kpf/view/numbers.h"
+#include "tools/kpf/view/probed_piece.h"
 
 namespace KPF_TOOL {
 namespace {
 
-constexpr std::size_t kMostPeaks = 5;
-
-Box boxOf(const Request& request, const PictureLayout& layout) {
+Box boxOf(const Request& request, const KPF_READER::Header& header) {
+  const PictureLayout layout{header.width, header.height};
   const auto values = numbersOf(textOf(request, "box"), 4);
   const Box box{wholeOf(values[0]), wholeOf(values[1]), wholeOf(values[2]), wholeOf(values[3])};
   if (!isInside(box, layout)) {
@@ -30,9 +21,9 @@ Box boxOf(const Request& request, const PictureLayout& layout) {
   return box.pixelCount() == 1 ? boxAround(box.x, box.y, layout) : box;
 }
 
-Json peaksJson(const Spectrum& spectrum) {
+Json peaksJson(const Course& course) {
   Json json = Json::array();
-  for (const Peak& peak : peaksOf(spectrum, kMostPeaks)) {
+  for (const Peak& peak : course.peaks) {
     json.push_back({{"frequency", peak.frequency},
                     {"amplitude", peak.amplitude},
                     {"overNoise", peak.overNoise}});
@@ -40,15 +31,15 @@ Json peaksJson(const Spectrum& spectrum) {
   return json;
 }
 
-Json signalJson(const Waveform& waveform, const std::optional<AxisQuality>& quality) {
-  const Spectrum spectrum = spectrumOf(waveform);
-  Json json{{"values", waveform.values()},
+Json signalJson(const Course& course, const std::optional<AxisQuality>& quality) {
+  const Spectrum& spectrum = course.spectrum;
+  Json json{{"values", course.waveform.values()},
             {"spectrum",
              {{"binWidth", spectrum.binWidth},
               {"resolution", spectrum.resolution},
               {"nyquist", spectrum.nyquist},
               {"amplitudes", spectrum.amplitudes}}},
-            {"peaks", peaksJson(spectrum)},
+            {"peaks", peaksJson(course)},
             {"quality", nullptr}};
   if (quality) json["quality"] = {{"shown", quality->shown}, {"error", quality->error}};
   return json;
@@ -57,34 +48,18 @@ Json signalJson(const Waveform& waveform, const std::optional<AxisQuality>& qual
 }  // namespace
 
 Reply answerVibration(const Request& request, ShownRecording& recording) {
-  AnalysedFrames frames(recording);
-  const Box box = boxOf(request, frames.layout());
-  const AnalysedRange range(request, recording, box.pixelCount());
-  MeanPicture mean(frames.layout(), grown(box, Displacement::kMargin, frames.layout()));
-  for (std::uint32_t place = range.first; place < range.end; ++place) {
-    if (const unsigned char* const frame = frames.at(place)) mean.add(frame);
-  }
-  const double rate = recording.header().frameRate;
-  Waveform level(rate);
-  Displacement moved(box, mean, rate);
-  for (std::uint32_t place = range.first; place < range.end; ++place) {
-    if (const unsigned char* const frame = frames.at(place)) {
-      level.add(meanLevel(frame, frames.layout(), box));
-      moved.add(frame);
-    } else {
-      level.addLost();
-      moved.addLost();
-    }
-  }
+  const Box box = boxOf(request, recording.header());
+  const Probed piece = probedPiece(request, recording, box.pixelCount());
+  const Measurement found = measure(piece, box, noProgress);
   return replyWith(Json{{"box", {box.x, box.y, box.width, box.height}},
-                        {"rate", rate},
-                        {"first", range.first},
-                        {"frames", range.frames()},
-                        {"lost", level.lostFrames()},
+                        {"rate", piece.rate},
+                        {"first", piece.range.first()},
+                        {"frames", found.brightness.waveform.values().size()},
+                        {"lost", found.brightness.waveform.lostFrames()},
                         {"signals",
-                         {{"mean", signalJson(level, std::nullopt)},
-                          {"x", signalJson(moved.x(), moved.qualityOfX())},
-                          {"y", signalJson(moved.y(), moved.qualityOfY())}}}});
+                         {{"mean", signalJson(found.brightness, std::nullopt)},
+                          {"x", signalJson(found.x, found.qualityOfX)},
+                          {"y", signalJson(found.y, found.qualityOfY)}}}});
 }
 
 }  // namespace KPF_TOOL

@@ -1,6 +1,6 @@
 // Pictures in the form in which a screen shows them.
-#ifndef KPF_SHOWN_PICTURE_H
-#define KPF_SHOWN_PICTURE_H
+#ifndef KPF_SCREEN_PICTURE_H
+#define KPF_SCREEN_PICTURE_H
 
 #include <array>
 #include <cstddef>

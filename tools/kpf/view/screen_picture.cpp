@@ -1,4 +1,4 @@
-#include "tools/kpf/view/picture.h"
+#include "tools/kpf/view/screen_picture.h"
 
 #include <algorithm>
 #include <cmath>
