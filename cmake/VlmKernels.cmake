@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: MIT
-# vlm_add_kernels(TARGET STEM)
+# vlm_add_kernels(TARGET STEM [AVX2] [AVX512])
 #
-# Adds STEM_avx2.cpp and STEM_avx512.cpp of the calling folder to TARGET, each with its instruction
-# set switched on in that file alone. Other processors than x86-64 get neither; the sources see
+# Adds STEM_avx2.cpp and STEM_avx512.cpp of the calling folder to TARGET, or the one that is named,
+# each with its instruction set switched on in that file alone. Other processors than x86-64 get neither; the sources see
 # whether they are there by VLM_X86_KERNELS.
 set(VLM_X86_KERNELS OFF)
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$" AND CMAKE_SIZEOF_VOID_P EQUAL 8)
@@ -22,7 +22,11 @@ function(vlm_add_kernels target stem)
   target_compile_definitions(${target} PRIVATE VLM_X86_KERNELS)
   # Windows aligns the stack to 16 bytes, GCC spills wider registers as if it were aligned to them.
   set(unaligned $<$<BOOL:${MINGW}>:-Wa,-muse-unaligned-vector-move>)
-  foreach(isa IN ITEMS AVX2 AVX512)
+  set(isas ${ARGN})
+  if(NOT isas)
+    set(isas AVX2 AVX512)
+  endif()
+  foreach(isa IN LISTS isas)
     string(TOLOWER ${stem}_${isa}.cpp source)
     target_sources(${target} PRIVATE ${source})
     set_source_files_properties(${source} TARGET_DIRECTORY ${target} PROPERTIES

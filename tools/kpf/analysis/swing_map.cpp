@@ -101,21 +101,23 @@ void SwingMap::accumulate(const unsigned char* frames, std::size_t count) {
 void SwingMap::accumulateTile(const unsigned char* frames, std::size_t count, std::size_t first,
                               std::size_t pixels) {
   constexpr std::size_t kFrames = FrameBatch::kFrames;
+  const SumKernels& kernels = sumKernels.inUse();
   // Frames that are not there keep levels of 0, and weigh nothing.
   std::array<float, kFrames * kTile> levels{};
   const std::size_t bytes = bytesOf(layout_.samples);
   for (std::size_t n = 0; n < count; ++n) {
-    subtractLevels(frames + n * layout_.frameSize() + first * bytes, base_.data() + first * bytes,
-                   layout_.samples, pixels, levels.data() + n * kTile);
+    kernels.subtractLevels(frames + n * layout_.frameSize() + first * bytes,
+                           base_.data() + first * bytes, layout_.samples, pixels,
+                           levels.data() + n * kTile);
   }
   const LevelTile tile{levels.data(), kTile, pixels, kFrames};
-  addSquares(tile, sums_.data() + first, squares_.data() + first);
+  kernels.addSquares(tile, sums_.data() + first, squares_.data() + first);
   for (Frequency& frequency : frequencies_) {
     std::array<float, kFrames> cosines{}, sines{};
     std::copy_n(frequency.cosines.data() + present_, count, cosines.begin());
     std::copy_n(frequency.sines.data() + present_, count, sines.begin());
-    addWeighted(tile, cosines.data(), frequency.real.data() + first);
-    addWeighted(tile, sines.data(), frequency.imaginary.data() + first);
+    kernels.addWeighted(tile, cosines.data(), frequency.real.data() + first);
+    kernels.addWeighted(tile, sines.data(), frequency.imaginary.data() + first);
   }
 }
 

@@ -4,14 +4,10 @@
 
 #include <cstddef>
 
+#include "cpu/kernel_choice.h"
 #include "tools/kpf/frames/samples.h"
 
 namespace KPF_TOOL {
-
-/// Grey levels of a frame less those of another one, in `pixels` places. Small numbers keep their
-/// digits when many of them are added up in single precision.
-void subtractLevels(const unsigned char* frame, const unsigned char* base, Samples samples,
-                    std::size_t pixels, float* levels);
 
 /// The levels of some pixels in some frames.
 struct LevelTile {
@@ -24,11 +20,23 @@ struct LevelTile {
 /// As many as leave their sums in registers.
 constexpr std::size_t kFramesAtOnce = 8;
 
-/// To the sum of each pixel, adds its levels in all frames, each with the weight of its frame.
-void addWeighted(const LevelTile& tile, const float* weights, float* sums);
+/// One set for every instruction set that they are compiled for; all give the same bits, since none
+/// changes the order of additions.
+struct SumKernels {
+  /// Grey levels of a frame less those of another one, in `pixels` places. Small numbers keep their
+  /// digits when many of them are added up in single precision.
+  void (*subtractLevels)(const unsigned char* frame, const unsigned char* base, Samples samples,
+                         std::size_t pixels, float* levels);
 
-/// Adds the levels themselves and their squares.
-void addSquares(const LevelTile& tile, float* sums, float* squares);
+  /// To the sum of each pixel, adds its levels in all frames, each with the weight of its frame.
+  void (*addWeighted)(const LevelTile& tile, const float* weights, float* sums);
+
+  /// Adds the levels themselves and their squares.
+  void (*addSquares)(const LevelTile& tile, float* sums, float* squares);
+};
+
+/// The sets, and which of them is in use.
+extern CPU::KernelChoice<SumKernels> sumKernels;
 
 }  // namespace KPF_TOOL
 
