@@ -2,7 +2,6 @@
 import http.server
 import os
 import struct
-import subprocess
 import threading
 import unittest
 
@@ -189,6 +188,9 @@ class Page(BrowserTest):
         self.until(places + ".join() === '7,10'")
         self.press(Keys.HOME)
         self.until(places + ".join() === '0,'")
+        plates = self.browser.find_elements(By.CLASS_NAME, "lost")
+        self.assertFalse(plates[0].is_displayed())
+        self.assertEqual(plates[1].text, "no frame here\nbefore its first one, or behind its last")
         self.screenshot("view_several")
 
     def test_recording_that_grows_is_followed(self):
@@ -219,33 +221,6 @@ class Page(BrowserTest):
             .filter((one) => !one.labels?.length && !one.getAttribute('aria-label') && !one.textContent.trim())
             .map((one) => one.outerHTML)"""
         self.assertEqual(self.js(nameless), [])
-
-
-class Vibration(BrowserTest):
-    def setUp(self):
-        super().setUp()
-        subprocess.run([os.environ["MAKE_SCENE"], "scene.y4m"], cwd=self.folder, check=True, timeout=60)
-        self.assertEqual(self.kpf("record", "scene.y4m", "scene.kpf", "--quiet")[0], 0)
-
-    def test_a_click_on_the_disc_finds_its_frequency(self):
-        self.open("scene.kpf", settings="#place=205")
-        self.move_to(160, 120).click().perform()
-        self.until("return document.querySelector('#peaks button') !== null")
-        peak = self.browser.find_element(By.CSS_SELECTOR, "#peaks button")
-        self.assertEqual(Select(self.element("signal")).first_selected_option.text, "displacement x")
-        self.assertEqual(self.text("region-size"), "15 × 15 at 153, 113")
-        frequency = float(peak.text.split()[0])
-        self.assertAlmostEqual(frequency, 5, delta=100 / 400)
-        peak.click()
-        self.until("return document.querySelector('canvas.picture').dataset.place === '205'")
-        self.assertAlmostEqual(float(self.element("frequency-value").get_attribute("value")), frequency, delta=0.01)
-        self.assertEqual(Select(self.element("show")).first_selected_option.text, "amplified")
-        self.js("document.getElementById('vibration').scrollIntoView()")
-        self.screenshot("view_vibration")
-        self.size(2560, 1440)
-        self.press("e", "e")
-        self.screenshot("view_large")
-        self.size(1280, 720)
 
 
 class HostilePage(BrowserTest):

@@ -4,6 +4,7 @@ import { hertz } from './text.js';
 
 const $ = (id) => document.getElementById(id);
 const STEPS = 1000; // of the frequency's slider, whose scale is logarithmic
+const HIGHEST_GAIN = 255; // as kpf amplify has it
 const SHOWS = ['original', 'amplified', 'reference', 'side'];
 
 export class Amplify {
@@ -37,7 +38,7 @@ export class Amplify {
     const before = state.show;
     Object.assign(state, values);
     state.frequency = Math.min(Math.max(state.frequency || this.least, this.least), this.most);
-    state.gain = Math.min(Math.max(state.gain || 0, 0), 1000);
+    state.gain = Math.min(Math.max(state.gain || 0, 0), HIGHEST_GAIN);
     // Turning a knob of something that is not on the screen would show nothing.
     if (('frequency' in values || 'gain' in values) && state.show === 'original') state.show = 'amplified';
     this.say();

@@ -38,7 +38,7 @@ function ask(recording, playing) {
     const unit = recording.bits === 8 ? 16 : 1; // tones are of 12 bits
     const { low, high, gamma } = state.tone;
     values.tone = [low * unit, high * unit, gamma].join();
-    values.cut = panes.cutOf(recording).join();
+    values.cut = panes.cutOf(recording);
   }
   return values;
 }
@@ -95,7 +95,7 @@ function setRegion(region, done = true) {
   }
 }
 
-const again = () => (player.playing ? restart() : player.go(state.place));
+const again = () => (player.playing ? player.renew() : player.go(state.place));
 function restart() {
   player.stop();
   player.play();
@@ -217,15 +217,16 @@ async function start() {
   if (leader.rate > 0 && leader.rate < state.rate) state.rate = leader.rate;
   amplify = new Amplify(state, (rearrange) => {
     if (rearrange) panes.arrange();
-    again();
+    if (rearrange && player.playing) restart();
+    else again();
   });
-  brightness = new Brightness(state, leader.bits, () => (player.playing ? restart() : panes.draw()));
+  brightness = new Brightness(state, leader.bits, () => (player.playing ? player.renew() : panes.draw()));
   player = new Player(state, ask, show, failed);
   panes = new Panes(state, amplify, {
     cursor: (pane, x, y) => { state.cursor = [x, y]; panes.drawOver(); tellCursor(pane); },
     choose: (x, y) => setRegion(boxOf([x, y], [x, y], leader)),
     box: setRegion,
-    moved: () => { if (player.playing) restart(); },
+    moved: () => { if (player.playing) player.renew(); },
   });
   vibration = new Vibration(state, found, amplify, panes);
   vibration.onbox = (box) => { state.region = box; panes.drawOver(); figures(); };

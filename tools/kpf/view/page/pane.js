@@ -45,14 +45,18 @@ export class Pane {
   show(frame, picture) {
     this.frame = frame;
     this.picture = picture;
-    const lost = frame && frame.state !== STATE.there;
-    this.plate.hidden = !lost;
-    if (lost) {
-      this.plate.textContent = `frame ${frame.place} is lost`;
-      element('small', '', this.plate).textContent = STATE_TEXT[frame.state];
-    }
+    this.plate.hidden = frame?.state === STATE.there;
+    if (!this.plate.hidden) this.sayWhy(frame);
     this.canvas.dataset.place = frame ? frame.place : '';
     this.canvas.dataset.state = frame ? frame.state : '';
+  }
+
+  /** Why there is no picture. */
+  sayWhy(frame) {
+    this.plate.classList.toggle('beyond', !frame);
+    this.plate.textContent = frame ? `frame ${frame.place} is lost` : 'no frame here';
+    element('small', '', this.plate).textContent = frame ? STATE_TEXT[frame.state]
+      : 'before its first one, or behind its last';
   }
 
   name(text) {
@@ -92,12 +96,16 @@ export class Pane {
     context.font = `${Math.min(13, scale / 3.2)}px monospace`;
     context.textAlign = 'center';
     context.textBaseline = 'middle';
+    context.lineJoin = 'round';
+    context.lineWidth = 3;
+    context.strokeStyle = '#101215'; // legible on light samples too
+    context.fillStyle = '#8fdcff';
     for (let y = top; y <= bottom; ++y) {
       for (let x = left; x <= right; ++x) {
         const value = this.valueAt(x, y);
         if (value === null) continue;
         const [cx, cy] = geometry.canvasAt(x + 0.5, y + 0.5);
-        context.fillStyle = '#4cc2ff';
+        context.strokeText(String(value), cx, cy);
         context.fillText(String(value), cx, cy);
       }
     }

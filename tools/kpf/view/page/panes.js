@@ -70,18 +70,17 @@ export class Panes {
   /** @param frames one of each recording, or null. @param toned whether they are for the screen. */
   show(frames, toned) {
     const { recordings } = this.state;
-    const wanted = this.amplify.pictures();
     for (const pane of this.list) {
       const { recording } = pane;
       const frame = frames[recordings.indexOf(recording)];
-      const at = wanted.indexOf(pane.kind);
-      const samples = frame?.pictures[at];
+      const { pictures, cut } = frame?.asked ?? {};
+      const pictureOf = (kind) => frame?.pictures[pictures.indexOf(kind)];
+      const samples = pictureOf(pane.kind);
       pane.name(this.captionOf(pane));
       if (!samples) { pane.show(frame, null); continue; }
-      const marks = pane.kind === 'amplified' ? frame.pictures[wanted.indexOf('marks')] : undefined;
-      const cut = toned ? this.cutOf(recording) : [0, 0, recording.width, recording.height];
+      const marks = pane.kind === 'amplified' ? pictureOf('marks') : undefined;
       pane.show(frame, { samples, width: frame.width, height: frame.height, bytes: frame.bytes,
-        bits: recording.bits, cut, toned, marks });
+        bits: recording.bits, cut: cut ?? [0, 0, recording.width, recording.height], toned, marks });
     }
     this.draw();
   }

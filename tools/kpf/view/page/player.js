@@ -6,6 +6,7 @@ import { placeBeside, stepFor } from './moments.js';
 const BATCH = 4;  // frames asked for at once while playing
 const AHEAD = 3;  // requests under way, so that the server works while the page draws
 const SCREEN = 60; // frames a second that any screen shows
+const EARLY = 4;  // milliseconds before its time at which a frame may be shown
 
 export class Player {
   /**
@@ -53,8 +54,16 @@ export class Player {
       const from = this.beside(recording, place);
       // By time, recordings of another rate go in other steps: frame by frame then.
       const straight = count === 1 || this.beside(recording, place + step) - from === step;
-      const ask = (at, n) => (at < 0 || at >= recording.places ? Promise.resolve([])
-        : getFrames({ ...this.ask(recording, playing), from: at, count: n, step }, signal));
+      const values = this.ask(recording, playing);
+      const ask = async (at, n) => {
+        if (at < 0 || at >= recording.places) return [];
+        const frames = [];
+        // An answer of very large pictures has fewer of them.
+        for (let next = at; frames.length < n && next < recording.places; next = at + frames.length * step) {
+          frames.push(...await getFrames({ ...values, from: next, count: n - frames.length, step }, signal));
+        }
+        return frames.map((frame) => Object.assign(frame, { asked: values }));
+      };
       if (straight && from >= 0) return ask(from, count);
       const single = Array.from({ length: count }, (_, i) => ask(this.beside(recording, place + i * step), 1));
       return (await Promise.all(single)).map((frames) => frames[0]);
@@ -62,6 +71,9 @@ export class Player {
     const moments = Math.min(count, Math.ceil((this.places - place) / step));
     return Array.from({ length: moments }, (_, i) => columns.map((column) => column[i] ?? null));
   }
+
+  /** What is asked for has changed: frames that are under way are asked for once more. */
+  renew() { this.stale = true; }
 
   stop() {
     if (!this.playing) return;
@@ -100,34 +112,48 @@ export class Player {
     }
   }
 
-  /** Keeps requests ahead, and shows what they bring in order, none before its time. */
+  /** Shows frame after frame in order, none before its time. */
   async run(first, signal) {
-    let next = first;
-    let step = this.stepNow(SCREEN / 2);
-    const queue = [];
+    this.step = this.stepNow(SCREEN / 2);
+    this.start(first);
     const began = performance.now();
     let due = began;
     while (!signal.aborted) {
-      while (queue.length < AHEAD && next <= this.end()) {
-        const count = Math.min(BATCH, Math.floor((this.end() - next) / step) + 1);
-        const batch = this.fetch(next, count, step, true, signal);
-        batch.catch(() => {});
-        queue.push({ place: next, step, batch });
-        next += count * step;
-      }
-      const part = queue.shift();
+      this.askAhead(signal);
+      const part = this.queue.shift();
       if (!part) return;
-      let place = part.place;
+      let { place } = part;
       for (const frames of await part.batch) {
-        due = await this.wait(due, part.step);
+        const now = await this.wait(due);
         if (signal.aborted) return;
+        if (this.stale && now < due - EARLY) break; // there is time for what is wanted by now
+        due = this.dueAfter(due, now, part.step);
         this.state.place = place;
         this.shown += 1;
         this.skipped += part.step - 1;
         this.show(place, frames, true);
         place += part.step;
+        if (this.stale) break;
       }
-      step = this.stepNow(1000 * this.shown / (performance.now() - began));
+      this.ahead = Math.min(this.ahead + 1, AHEAD);
+      this.step = this.stepNow(1000 * this.shown / (performance.now() - began));
+      if (this.stale) this.start(place);
+    }
+  }
+
+  /** With one frame at first, and more and more under way: what was just changed shows at once. */
+  start(place) {
+    Object.assign(this, { stale: false, queue: [], ahead: 1, next: place });
+  }
+
+  askAhead(signal) {
+    const { queue, ahead, step } = this;
+    while (queue.length < ahead && this.next <= this.end()) {
+      const count = Math.min(ahead === 1 ? 1 : BATCH, Math.floor((this.end() - this.next) / step) + 1);
+      const batch = this.fetch(this.next, count, step, true, signal);
+      batch.catch(() => {});
+      queue.push({ place: this.next, step, batch });
+      this.next += count * step;
     }
   }
 
@@ -137,16 +163,18 @@ export class Player {
     return every || !(rate > 0) ? 1 : stepFor(rate, Math.min(Math.max(able, 5), SCREEN));
   }
 
-  /** Until the next frame's time has come and the screen wants a picture. @return when the one
-   *  after it is due. */
-  async wait(due, step) {
-    const { rate } = this.state;
-    let now = await new Promise((resolve) => { requestAnimationFrame(() => resolve(performance.now())); });
-    if (!(rate > 0)) return now;
-    while (now < due - 4 && this.playing) {
-      now = await new Promise((resolve) => { requestAnimationFrame(() => resolve(performance.now())); });
+  /** Until the next frame's time has come and the screen wants a picture, or another one is
+   *  wanted. @return the time. */
+  async wait(due) {
+    for (;;) {
+      const now = await new Promise((resolve) => { requestAnimationFrame(() => resolve(performance.now())); });
+      if (!this.playing || this.stale || !(this.state.rate > 0) || now >= due - EARLY) return now;
     }
-    // Time that was lost is not made up for by a rush.
-    return Math.max(due, now - 250) + 1000 * step / rate;
+  }
+
+  /** Time that was lost is not made up for by a rush. */
+  dueAfter(due, now, step) {
+    const { rate } = this.state;
+    return rate > 0 ? Math.max(due, now - 250) + 1000 * step / rate : now;
   }
 }

@@ -30,6 +30,7 @@ export function plotOn(canvas, x, y, clicked) {
 }
 
 export function fillPlot(chart, curve, points, unit) {
+  chart.resize(); // it may have been hidden until now
   chart.data.datasets[0].data = curve;
   chart.data.datasets[1].data = points;
   chart.options.scales.x.min = curve.length ? curve[0].x : undefined;

@@ -16,7 +16,7 @@ export function hertz(value) {
 }
 
 export const STATE_TEXT = [
-  '', 'recorded as lost: a placeholder', 'its data is missing', 'the disk does not give it'];
+  '', 'recorded as lost: a placeholder', 'its data is missing', 'it cannot be read any more'];
 
 /** One line about a recording. */
 export function aboutText(recording) {

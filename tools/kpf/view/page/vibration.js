@@ -14,7 +14,7 @@ function heat(share) {
 
 export class Vibration {
   constructor(state, found, amplify, panes) {
-    Object.assign(this, { state, amplify, panes, scale: found.scale, result: null, asked: 0 });
+    Object.assign(this, { state, amplify, panes, scale: found.scale, result: null, asked: 0, mapsAsked: 0 });
     this.there = found.vibration === true && state.recordings[0].rate > 0;
     if (!this.there) return;
     $('vibration').hidden = false;
@@ -42,7 +42,7 @@ export class Vibration {
   async analyse() {
     const { region } = this.state;
     if (!this.there) return;
-    if (!region) return this.tell('Click on something that moves, or drag a box around it with Shift held.');
+    if (!region) return this.tell('Click on something that moves, or drag a box around it with Shift held. Nothing seems to move? A map shows what swings.');
     const asked = ++this.asked;
     this.tell('At work …');
     try {
@@ -73,6 +73,7 @@ export class Vibration {
 
   draw() {
     if (!this.result) return;
+    $('plots').hidden = false;
     const { rate, first, box, frames, lost } = this.result;
     const { values, spectrum, peaks, quality } = this.result.signals[$('signal').value];
     const [unit, factor] = this.unit();
@@ -92,7 +93,7 @@ export class Vibration {
       const item = document.createElement('li'), button = document.createElement('button');
       button.type = 'button';
       button.textContent = `${hertz(peak.frequency)} Hz · ${(peak.amplitude * factor).toPrecision(2)} ${unit}`;
-      button.title = 'amplify this';
+      button.title = 'click: amplify this';
       button.addEventListener('click', () => this.take(peak.frequency));
       item.append(button);
       return item;
@@ -101,7 +102,9 @@ export class Vibration {
 
   take(frequency) {
     this.amplify.set({ frequency: Number(frequency.toPrecision(4)) });
-    if ($('map-kind').value === 'energy') this.map();
+    // A map of another frequency, or of all of them, would lie over what is to be seen now.
+    if ($('map-kind').value === 'dominant') $('map-kind').value = '';
+    this.map();
   }
 
   /** A click beside a peak means the peak. */
@@ -121,12 +124,14 @@ export class Vibration {
 
   async map() {
     const kind = $('map-kind').value;
+    const asked = ++this.mapsAsked;
     this.picture = null;
     $('map-range').textContent = '';
     if (kind) {
       this.tell('Looking at the whole picture …');
       try {
         const found = await getJson('map', { recording: 0, kind, frequency: this.state.frequency, ...this.range() });
+        if (asked !== this.mapsAsked) return; // another map was chosen meanwhile
         this.picture = this.mapPicture(found, kind);
         this.tell(found.text);
       } catch (error) {
