@@ -43,6 +43,11 @@ TEST(ImagePattern, IsOneNumberPaddedWithZeros) {
   }
 }
 
+TEST(ImagePattern, HasNoOtherPlaceInItsFolders) {
+  EXPECT_EQ(ImagePattern::parse("f_%d.png")->withFoldersEscaped(), "f_%d.png");
+  EXPECT_EQ(ImagePattern::parse("50%/%d/f_%03d.png")->withFoldersEscaped(), "50%%/%%d/f_%03d.png");
+}
+
 TEST(ImagePattern, NamesEachNumber) {
   const auto pattern = ImagePattern::parse("a/f_%03d.png");
   EXPECT_EQ(pattern->nameOf(7), "a/f_007.png");

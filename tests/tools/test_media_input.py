@@ -93,6 +93,18 @@ class Damage(MediaInput):
         self.spoil("v.avi", (0, 7, 8))
         self.check_spoilt("v.avi", (0, 7, 8))
 
+    def test_amplifying_damage_is_no_success(self):
+        self.encode("v.mkv", "-c:v", "ffv1", "-level", "3", "-slicecrc", "1", "-g", "1")
+        amplify = ("amplify", "v.mkv", "out.mkv", "--frequency", "12", "--quiet", "--force")
+        self.assertEqual(self.kpf(*amplify), (0, "", ""))
+        self.spoil("v.mkv", (3, 20))
+        self.cut("v.mkv", self.packets("v.mkv")[30][1])
+        code, _, err = self.kpf(*amplify)
+        self.assertEqual(code, 1)
+        self.assertIn("2 of 30 frames were lost (3, 20)", err)
+        self.assertTrue(err.endswith("kpf: v.mkv: 2 frames are damaged, v.mkv ends after 1.20 of "
+                                     "2.00 s\n"), err)
+
     def test_frames_out_of_order_keep_their_number(self):
         self.encode("v.mkv", "-c:v", "mpeg2video", "-bf", "2")
         self.spoil("v.mkv", (10,))
@@ -206,6 +218,14 @@ class WayBack(MediaInput):
         self.assertEqual((code, out), (0, "./out.kpf: 5 frames recorded, 0 placeholders\n"))
         self.assertEqual(err, "kpf: f_%04d.png tells no frame rate: 25 is taken, --rate chooses\n")
         self.assertEqual(self.frames(), [bytes(frame) for frame in self.eight])
+
+    def test_images_may_lie_in_a_folder_of_any_name(self):
+        for folder in ("50%", "a%02db", "[%*]"):
+            os.mkdir(self.path(folder))
+            for n in range(3):
+                self.write("%s/f_%d.png" % (folder, n), png(bytes(24), 6, 4, 0))
+            out = self.record(folder + "/f_%d.png", "out.kpf", "--rate", "25", "--force")
+            self.assertEqual(out, "./out.kpf: 3 frames recorded, 0 placeholders\n")
 
     def test_the_rate_of_images_is_theirs(self):
         for n in range(3):

@@ -2,10 +2,12 @@
 import contextlib
 import json
 import os
+import pty
 import shutil
 import signal
 import struct
 import subprocess
+import time
 import unittest
 
 from recordings import KPF, Terminal
@@ -158,6 +160,25 @@ class Record(VideoTest):
                               cwd=self.folder, stdout=subprocess.DEVNULL, timeout=60, check=False)
         self.assertEqual(done.returncode, 0)
         self.check_complete(5)
+
+    def test_a_terminal_that_goes_away_ends_no_recording(self):
+        ours, theirs = pty.openpty()
+        frame = b"FRAME\n" + bytes(64 * 64)
+        with subprocess.Popen([KPF, "record", "-", "out.kpf"], cwd=self.folder, stderr=theirs,
+                              stdin=subprocess.PIPE, stdout=subprocess.DEVNULL) as process:
+            os.close(theirs)
+            process.stdin.write(b"YUV4MPEG2 W64 H64 F25:1 Ip A1:1 Cmono\n" + frame * 60)
+            process.stdin.flush()
+            while not os.path.exists(self.path("out/out_0001.div")):
+                self.assertIsNone(process.poll())
+            os.close(ours)
+            frames, end = 60, time.monotonic() + 0.3  # there is a line of progress every 0.1 s
+            while time.monotonic() < end:
+                process.stdin.write(frame)
+                frames += 1
+            process.stdin.close()
+            self.assertEqual(process.wait(60), 0)
+        self.check_complete(frames)
 
     def told_to(self, stream):
         """The exit code of a recording that has something to say."""

@@ -40,6 +40,7 @@ std::optional<ImagePattern> ImagePattern::parse(const std::string& name) {
   if (last == end || *last != 'd' || pattern.digits_ > kMostDigits) return {};
   pattern.padded_ = *digits == '0' && pattern.digits_ > 0;
   pattern.folder_ = name.substr(0, begin);
+  pattern.file_ = name.substr(begin);
   pattern.before_ = name.substr(begin, percent - begin);
   pattern.behind_ = std::string(last + 1, end);
   return pattern;
@@ -68,6 +69,12 @@ std::vector<std::uint64_t> ImagePattern::numbersThere() const {
     if (const auto number = numberIn(entry.path().filename().string())) numbers.push_back(*number);
   }
   return numbers;
+}
+
+std::string ImagePattern::withFoldersEscaped() const {
+  std::string escaped;
+  for (const char letter : folder_) escaped.append(letter == '%' ? 2 : 1, letter);
+  return escaped + file_;
 }
 
 std::optional<ImagePattern::Range> ImagePattern::rangeThere() const {

@@ -26,6 +26,10 @@ class ImagePattern {
   /// The numbers of the images that are there, in no order; none in a folder that cannot be read.
   std::vector<std::uint64_t> numbersThere() const;
 
+  /// The pattern for programs that look for a number in the folders' names too, where `%%` is a
+  /// `%`.
+  std::string withFoldersEscaped() const;
+
   struct Range {
     std::uint64_t first;
     std::uint64_t last;
@@ -37,6 +41,7 @@ class ImagePattern {
   std::optional<std::uint64_t> numberIn(const std::string& fileName) const;
 
   std::string folder_;  // with the last slash; empty for the current one
+  std::string file_;    // behind it, as it was written
   std::string before_;
   std::size_t digits_ = 0;  // at least
   bool padded_ = false;

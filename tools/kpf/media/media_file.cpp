@@ -88,6 +88,7 @@ void MediaFile::open() {
   const auto numbers = pattern ? pattern->rangeThere() : std::nullopt;
   if (numbers && kind == nullptr) {
     kind = av_find_input_format("image2");
+    options.set("pattern_type", "sequence");
     options.set("start_number", std::to_string(numbers->first));
     images_ = numbers->last - numbers->first + 1;
   }
@@ -98,7 +99,8 @@ void MediaFile::open() {
   AVFormatContext* format = avformat_alloc_context();
   allow(*format);
   // On failure it frees what it was given.
-  const int result = avformat_open_input(&format, name_.c_str(), kind, options.get());
+  const std::string url = images_ > 0 ? pattern->withFoldersEscaped() : name_;
+  const int result = avformat_open_input(&format, url.c_str(), kind, options.get());
   if (result < 0) {
     throw ToolError(Outcome::kUnreadableInput,
                     fmt::format("cannot open {}: {}", escaped(name_), ffmpegError(result)),
