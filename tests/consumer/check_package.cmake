@@ -6,6 +6,7 @@
 # -D FOLDER=     where to build and record
 # -D SOURCE=     this folder
 # -D CONFIGURE=  further arguments for CMake, as a list
+# -D WITH_TOOL=  whether kpf is in a package for Windows
 # -D EMULATOR=   what runs a program; empty natively
 file(REMOVE_RECURSE ${FOLDER})
 file(MAKE_DIRECTORY ${FOLDER}/out)
@@ -43,6 +44,9 @@ else()
   endif()
   if(WINDOWS)  # what the runtimes beside the DLL ask for
     list(APPEND expected licences/GPL-3 licences/gcc-runtimes.txt licences/winpthreads.txt)
+    if(WITH_TOOL)
+      run(${EMULATOR} ${PREFIX}/bin/kpf.exe --version)
+    endif()
   endif()
   foreach(name IN LISTS expected)
     if(NOT EXISTS ${PREFIX}/${docs}/${name})

@@ -31,7 +31,7 @@ set_tests_properties(capi_caller PROPERTIES
 # The DLL needs no other file: nothing of the compiler's, and of the system's only these two.
 if(WIN32)
   add_test(NAME capi_dll_imports COMMAND ${CMAKE_COMMAND}
-    -D OBJDUMP=${CMAKE_OBJDUMP} -D DLL=$<TARGET_FILE:libkpf>
+    -D OBJDUMP=${CMAKE_OBJDUMP} -D PROGRAM=$<TARGET_FILE:libkpf>
     -P ${CMAKE_CURRENT_LIST_DIR}/check_imports.cmake)
   set_tests_properties(capi_dll_imports PROPERTIES LABELS capi)
 endif()
