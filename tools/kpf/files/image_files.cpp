@@ -15,7 +15,7 @@ ToolError doNotFit(const std::string& frames) {
 
 /// Nothing for one image. @throws ToolError for what was meant as a pattern and is none.
 std::optional<ImagePattern> patternOf(const std::string& name) {
-  const auto pattern = ImagePattern::parse(name);
+  auto pattern = ImagePattern::parse(name);
   if (hasPercent(name) && !(pattern && pattern->isPadded())) {
     throw ToolError(Outcome::kWrongUsage,
                     fmt::format("{} is no pattern: it must hold one %06d", escaped(name)),
