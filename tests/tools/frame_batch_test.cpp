@@ -32,6 +32,16 @@ class Batches : public testing::Test {
   std::vector<std::size_t> counts_;
 };
 
+TEST_F(Batches, SamplesOfTwoBytesAreBridgedAsSuch) {
+  FrameBatch batch({2, 1, Samples::k16Bit}, sink(4));
+  add(batch, {0xF0, 0x01, 0x20, 0x02});
+  batch.addLost();
+  add(batch, {0x10, 0x02, 0x60, 0x03});
+  batch.finish();
+  ASSERT_EQ(out_.size(), 3U);
+  EXPECT_EQ(out_[1], (Frame{0x00, 0x02, 0xC0, 0x02}));
+}
+
 TEST_F(Batches, AreFullButForTheLast) {
   std::vector<Frame> in;
   for (unsigned char n = 0; n < 35; ++n) {

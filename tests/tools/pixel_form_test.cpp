@@ -60,6 +60,12 @@ TEST_F(PixelFormTest, Mono12PackedIsWhatARecordHas) {
   EXPECT_EQ(PixelPacker(*form, 256, 256).frameSize(), 98304U);
 }
 
+TEST_F(PixelFormTest, AFrameHasItsBytes) {
+  EXPECT_EQ(PixelPacker(*pixelForm("Mono8"), 6, 4).frameSize(), 24U);
+  EXPECT_EQ(PixelPacker(*pixelForm("Mono12"), 6, 4).frameSize(), 48U);
+  EXPECT_EQ(PixelPacker(*pixelForm("Mono12p"), 6, 4).frameSize(), 36U);
+}
+
 TEST_F(PixelFormTest, CodesAreThoseOfTheNames) {
   EXPECT_EQ(pixelForm("Mono8")->code, 17301505U);
   EXPECT_EQ(pixelForm("Mono12")->code, 17825797U);

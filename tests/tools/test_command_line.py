@@ -60,6 +60,17 @@ class CommandLine(RecordingTest):
             self.assertEqual((code, out), (2, ""), typed)
             self.assertIn("is no command\nSee kpf --help", err)
 
+    def test_short_help_is_no_mistyped_command(self):
+        code, out, err = self.kpf("-h")
+        self.assertEqual((code, err), (0, ""))
+        self.assertIn("record", out)
+
+    def test_closed_input_is_none(self):
+        done = subprocess.run(["sh", "-c", 'exec "$0" record - out.kpf <&-', KPF],
+                              cwd=self.folder, timeout=60, capture_output=True, check=False)
+        self.assertEqual((done.returncode, done.stdout), (2, b""))
+        self.assertFalse(os.path.exists(self.path("out.kpf")))
+
     def test_wrong_usage(self):
         for arguments in ((), ("unknown",), ("info",), ("info", "clip.kpf", "--unknown")):
             code, out, err = self.kpf(*arguments)

@@ -80,6 +80,16 @@ class Events(VideoTest):
         self.assertEqual(code, 1)
         self.assertEqual(self.read("clip/clip_0001.div"), before)
 
+    def test_quiet_tells_of_failure_only(self):
+        self.video(*[self.dark] * 40, self.bright)
+        wish = ("record", "scene.y4m", "out.kpf", "--quiet", "--trigger", "motion:100")
+        self.assertEqual(self.kpf(*wish), (0, "", ""))
+        self.video(*[self.dark] * 40)
+        code, out, err = self.kpf(*wish, "--force")
+        self.assertEqual(code, 1)
+        self.assertIn("40 received", out)
+        self.assertEqual(err, "kpf: nothing is recorded: nothing began it\n")
+
     def test_the_last_frames_are_not_waited_for(self):
         self.video(*[self.dark] * 40, self.bright)
         self.run_json("--before", "30", "--trigger", "motion:100")

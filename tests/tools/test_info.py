@@ -63,6 +63,13 @@ class Info(RecordingTest):
         self.assertIn("1700000000.040000", self.line("first time"))
         self.assertIn("1700000000.120000", self.line("last time"))
 
+    def test_json_tells_what_is_missing(self):
+        self.cut("clip/clip_0001.div", 50)
+        self.assertFalse(self.json()["complete"])
+        self.assertEqual([(each["problem"], each["file"]) for each in self.json()["problems"]], [
+            ("short-file", "./clip/clip_0001.div"), ("incomplete", "./clip.kpf")])
+        self.assertIn("2 of 5 announced frames", self.json()["problems"][1]["text"])
+
     def test_times_before_1970_have_no_date(self):
         self.write("clip/clip_0001.div", run(range(5), start=-7))
         self.assertEqual(self.line("first time"), "-7.000000")

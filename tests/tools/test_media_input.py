@@ -120,6 +120,18 @@ class Damage(MediaInput):
         self.assertEqual(code, 1)
         self.assertIn("30 frames recorded, 0 placeholders: v.avi ends after 1.20 of 2.00 s", err)
 
+    def test_times_need_not_begin_at_0(self):
+        self.encode("v.mkv", "-c:v", "ffv1", "-g", "1")
+        for name, codec in (("late.mkv", "copy"), ("late.mp4", "mpeg4"), ("late.ts", "mpeg2video")):
+            subprocess.run([FFMPEG, "-v", "error", "-i", "v.mkv", "-c:v", codec,
+                            "-output_ts_offset", "5", name], cwd=self.folder, check=True)
+            self.record(name, "out.kpf", "--force")
+            self.assertEqual(self.announced(), 50)
+        self.cut("late.mkv", self.packets("late.mkv")[30][1])
+        code, _, err = self.kpf("record", "late.mkv", "out.kpf", "--force", *self.start)
+        self.assertEqual(code, 1)
+        self.assertIn("30 frames recorded, 0 placeholders: late.mkv ends after 6.20 of 7.00 s", err)
+
     def test_sound_hides_no_early_end(self):
         self.encode("v.mkv", "-c:v", "ffv1", "-g", "1")
         sound = ("-f", "lavfi", "-i", "sine=duration=2.1", "-c:v", "copy", "-c:a", "pcm_s16le")
@@ -219,6 +231,15 @@ class WayBack(MediaInput):
         self.assertEqual(err, "kpf: f_%04d.png tells no frame rate: 25 is taken, --rate chooses\n")
         self.assertEqual(self.frames(), [bytes(frame) for frame in self.eight])
 
+    def test_single_bits_are_black_and_white(self):
+        self.write("bits.pbm", b"P4\n8 2\n" + bytes([0b10100000, 0b00001111]))
+        self.record("bits.pbm", "out.kpf")
+        self.assertEqual(self.frames(size=16), [
+            bytes([0, 255, 0] + 5 * [255] + 4 * [255] + 4 * [0])])
+        self.record("bits.pbm", "out.kpf", "--bits", "12", "--force")
+        data = self.read("out/out_0001.div")
+        self.assertEqual(data[16:22], bytes([0, 0xF0, 0xFF, 0, 0xF0, 0xFF]))
+
     def test_images_may_lie_in_a_folder_of_any_name(self):
         for folder in ("50%", "a%02db", "[%*]"):
             os.mkdir(self.path(folder))
@@ -275,6 +296,21 @@ class WayBack(MediaInput):
             code, _, err = self.kpf("record", "eight.y4m", "out.kpf", "--raw", raw)
             self.assertEqual(code, 2, raw)
             self.assertIn("Write --raw like 640x480:gray8", err)
+
+    def test_a_torn_frame_of_y4m_is_told(self):
+        whole = self.read("eight.y4m")
+        for missing in (1, 23, 24, 29):  # of the 30 bytes of the last frame
+            code, _, err = self.record_piped(whole[:-missing], "--force")
+            self.assertEqual(code, 1, missing)
+            self.assertIn("4 frames recorded, 0 placeholders: - ends within a frame\n", err)
+            self.assertEqual(self.announced(), 4)
+        self.assertEqual(self.record_piped(whole[:-30], "--force")[0], 0)
+
+    def test_frames_beyond_the_header_are_refused(self):
+        code, out, err = self.record_piped(bytes(65536), "--raw", "65536x1:gray8", "--rate", "25")
+        self.assertEqual((code, out), (2, ""))
+        self.assertIn("frames of more than 65535 rows or columns do not fit", err)
+        self.assertFalse(os.path.exists(self.path("out.kpf")))
 
     def test_a_torn_bare_frame_is_damaged(self):
         code, _, err = self.record_piped(bytes(24 * 2 + 5), "--raw", "6x4:gray8", "--rate", "25")

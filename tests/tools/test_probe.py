@@ -3,6 +3,7 @@ import json
 import math
 import os
 import random
+import re
 import struct
 import unittest
 import xml.etree.ElementTree
@@ -96,13 +97,26 @@ class Probe(RecordingTest):
         self.assertEqual(report["millimetresPerPixel"], 0.5)
         peak = report["box"]["displacementX"]["peaks"][0]
         self.assertAlmostEqual(peak["millimetres"], peak["amplitude"] / 2)
-        self.assertIn(" mm to either side", self.probe(*INSIDE, "--scale", "0.5"))
+        found = re.search(r"Hz, (0\.\d+) pixels = (0\.\d+) mm to either side",
+                          self.probe(*INSIDE, "--scale", "0.5"))
+        self.assertAlmostEqual(float(found[2]), float(found[1]) / 2, delta=0.0001)
+
+    def test_a_box_is_where_it_was_asked_for(self):
+        box = self.found("--box", "20,14,18,10")["box"]
+        self.assertEqual([box[each] for each in ("x", "y", "width", "height")], [20, 14, 18, 10])
+
+    def test_one_lost_frame_of_a_map_is_told(self):
+        self.write_scene(SCENE, lost=[100])
+        self.assertIn(" 1 lost frame bridged\n", self.probe("--map", "m.raw", "--frequency", "5"))
+        self.write_scene(SCENE)
+        self.assertNotIn("lost", self.probe("--map", "n.raw", "--frequency", "5"))
 
     def test_report_for_people(self):
         out = self.probe(*INSIDE)
         for line in ("frames      200 at 100 frames/s, 2 s", "box         16 x 16 pixels at 24,16",
                      "lost        none", "limits      resolution 0.5 Hz; above 50 Hz",
-                     "x           100 % of a movement shown"):
+                     "x           100 % of a movement shown",
+                     "y           100 % of a movement shown"):
             self.assertIn(line, out)
         self.assertRegex(out, r"\nsuggested   --frequency (4\.9|5|5\.0)\d*\n")
 

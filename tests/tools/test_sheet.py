@@ -1,4 +1,5 @@
 """kpf sheet: the page that the demo makes."""
+import os
 import unittest
 
 from videos import VideoTest, y4m
@@ -57,6 +58,17 @@ class Sheet(VideoTest):
         self.write("short.y4m", y4m([[200] * (WIDTH * HEIGHT)] * 2, WIDTH, HEIGHT))
         rows = self.page("short.y4m", "nine.kpf")
         self.assertEqual(rows[CAPTION], bytes([200]) * HALF_WIDTH + bytes(2 * (HALF_WIDTH + GAP)))
+
+    def test_what_is_wrong_with_either_is_no_success(self):
+        with open(self.path("torn.y4m"), "wb") as torn:
+            torn.write(self.read("nine.y4m")[:-5000])
+        code, _, err = self.kpf("sheet", "torn.y4m", "nine.kpf", "a.png")
+        self.assertEqual((code, err), (1, "kpf: torn.y4m: torn.y4m ends within a frame\n"))
+        os.remove(self.path("nine/nine_0001.div"))
+        self.write("nine/nine_0001.div", bytes(2 * (16 + WIDTH * HEIGHT)))
+        code, _, err = self.kpf("sheet", "nine.y4m", "nine.kpf", "b.png")
+        self.assertEqual((code, err), (1, "kpf: nine.kpf: the recording ends after 2 of 9 announced "
+                                          "frames\n"))
 
     def test_captions_stand_above_the_pictures(self):
         rows = self.page("nine.y4m", "nine.kpf")

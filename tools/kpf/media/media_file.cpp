@@ -166,11 +166,15 @@ bool MediaFile::read(AVPacket& packet) {
 
 void MediaFile::note(const AVPacket& packet) {
   if (packet.stream_index == stream_) ++packets_;
+  bytes_ = std::max(bytes_, packet.pos + packet.size);
   if (packet.pts == AV_NOPTS_VALUE) return;
-  const std::int64_t start = format_->start_time == AV_NOPTS_VALUE ? 0 : format_->start_time;
   const double end = static_cast<double>(packet.pts + packet.duration) *
                      av_q2d(format_->streams[packet.stream_index]->time_base);
-  end_ = std::max(end_, end - static_cast<double>(start) / AV_TIME_BASE);
+  // A length counts from 0 where the first frame comes later, and from the first frame where that
+  // comes before, as with sound that a player leaves out.
+  const bool before0 = format_->start_time != AV_NOPTS_VALUE && format_->start_time < 0;
+  const double start = before0 ? static_cast<double>(format_->start_time) / AV_TIME_BASE : 0;
+  end_ = std::max(end_, end - start);
 }
 
 /// Not every end is one: the disk may fail, and a damaged container may lead nowhere.
@@ -184,6 +188,10 @@ void MediaFile::noteEnd(int result) {
   } else if (result != AVERROR_EOF && images_ == 0) {
     trouble_ =
         fmt::format("{} cannot be read any further: {}", escaped(name_), ffmpegError(result));
+  } else if (std::string_view(format_->iformat->name) == "yuv4mpegpipe" &&
+             avio_tell(format_->pb) > bytes_) {
+    // Of these FFmpeg drops what is less than a frame.
+    trouble_ = fmt::format("{} ends within a frame", escaped(name_));
   } else if (format_->duration > 0 && frameRate_ > 0 &&
              format_->duration_estimation_method == AVFMT_DURATION_FROM_STREAM) {
     const double announced = announcedSeconds(*format_, stream());

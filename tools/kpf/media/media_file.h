@@ -58,6 +58,7 @@ class MediaFile {
   std::uint64_t packets_ = 0;
   std::uint64_t images_ = 0;  // numbers from the first image to the last; 0 for anything else
   double end_ = 0;            // of the latest packet of any stream, in seconds
+  std::int64_t bytes_ = 0;    // up to the end of the latest packet
   std::string trouble_;
 };
 
