@@ -8,12 +8,14 @@
 namespace KPF_TOOL {
 
 CameraList findCameras() {
-  return {{}, "This kpf is built without Aravis: install libaravis-dev, and build it again."};
+  return {{},
+          "This kpf is built without Aravis: on Linux install libaravis-dev, and build it again."};
 }
 
 std::unique_ptr<Camera> openCamera(const std::string&, const CameraSettings&) {
-  throw ToolError(Outcome::kUnreadableInput, "this kpf is built without Aravis",
-                  "Install libaravis-dev, and build it again; Video4Linux needs no Aravis.");
+  throw ToolError(
+      Outcome::kUnreadableInput, "this kpf is built without Aravis",
+      "On Linux install libaravis-dev, and build it again; Video4Linux needs no Aravis.");
 }
 
 }  // namespace KPF_TOOL

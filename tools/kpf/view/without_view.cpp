@@ -6,7 +6,7 @@ namespace KPF_TOOL {
 
 Outcome view(const ViewOptions&) {
   throw ToolError(Outcome::kRefused, "this kpf was built without its viewer",
-                  "Build it with libcpp-httplib-dev and libjs-chart.js installed.");
+                  "On Linux build it with libcpp-httplib-dev and libjs-chart.js installed.");
 }
 
 }  // namespace KPF_TOOL
