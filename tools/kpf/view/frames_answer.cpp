@@ -17,6 +17,7 @@ namespace {
 
 constexpr std::size_t kHead = 64;
 constexpr std::uint32_t kMostFrames = 64;                    // in one answer
+constexpr std::size_t kKinds = 4;                            // of pictures
 constexpr std::size_t kEnoughBytes = std::size_t{32} << 20;  // after which an answer ends early
 
 /// What one request wants of every frame.
@@ -31,7 +32,8 @@ struct Wanted {
       tone.emplace(values[0], values[1], std::clamp(values[2], 0.1, 10.0));
     }
     std::string names = textOf(request, "pictures", "original") + ',';
-    for (std::size_t end; (end = names.find(',')) != std::string::npos; names.erase(0, end + 1)) {
+    for (std::size_t end = 0; (end = names.find(',')) != std::string::npos;
+         names.erase(0, end + 1)) {
       pictures.push_back(names.substr(0, end));
     }
     const auto wants = [this](const auto& what) {
@@ -66,12 +68,23 @@ class Answerer {
     writeHead(head, frame, made, pictures);
   }
 
+  /// Makes room for so many frames at once: growing would copy all of those before.
+  void expect(std::uint32_t frames) {
+    const Cutout& cut = wanted_.cutout;
+    const std::size_t pixels =
+        wanted_.tone ? std::size_t{cut.outWidth} * cut.outHeight : header_.pixelCount();
+    const std::size_t frame =
+        kHead + std::min(wanted_.pictures.size(), kKinds) * pixels * bytesOfSample();
+    out_.reserve(std::min(frames * frame, kEnoughBytes + frame));
+  }
+
   std::uint32_t places() const { return frames_.places(); }
   std::size_t size() const { return out_.size(); }
   std::vector<unsigned char> take() { return std::move(out_); }
 
  private:
   bool trueSamples() const { return !wanted_.tone && !wanted_.amplifies; }
+  std::uint32_t bytesOfSample() const { return trueSamples() && header_.packed12 ? 2 : 1; }
 
   unsigned addPicture(const std::string& name, const ShownFrame& frame,
                       const AmplifiedPictures& made) {
@@ -130,7 +143,7 @@ class Answerer {
     put(static_cast<std::uint64_t>(frame.record.seconds), 8);
     put(whole ? header_.width : wanted_.cutout.outWidth, 4);
     put(whole ? header_.height : wanted_.cutout.outHeight, 4);
-    put(trueSamples() && header_.packed12 ? 2 : 1, 4);
+    put(bytesOfSample(), 4);
     put(pictures, 4);
     put(made.wraps, 4);
     put(made.clips, 4);
@@ -153,6 +166,7 @@ Reply answerFrames(const Request& request, ShownRecording& recording, LiveAmplif
   const std::uint64_t step = std::max(wholeOf(request, "step", 1), 1U);
   const std::uint32_t count = std::clamp(wholeOf(request, "count", 1), 1U, kMostFrames);
   Answerer answer(wanted, recording, amplifier);
+  answer.expect(count);
   for (std::uint64_t i = 0; i < count && from + i * step < answer.places(); ++i) {
     answer.add(static_cast<std::uint32_t>(from + i * step));
     if (answer.size() >= kEnoughBytes) break;
