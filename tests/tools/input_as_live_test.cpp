@@ -20,7 +20,7 @@ class Script : public FrameSource {
  public:
   explicit Script(std::vector<std::optional<double>> times, Samples samples = Samples::k8Bit)
       : times_(std::move(times)), samples_(samples) {
-    next();
+    Script::next();
   }
 
   unsigned width() const override { return 3; }
