@@ -1,8 +1,9 @@
 // What may be done from several threads at once.
-#include <barrier>
+#include <condition_variable>
 #include <cstddef>
 #include <cstring>
 #include <functional>
+#include <mutex>
 #include <new>
 #include <set>
 #include <string>
@@ -17,13 +18,29 @@ namespace {
 
 constexpr int kThreads = 6;
 
+/// Opens when the last of the threads stands before it. std::barrier of GCC 12 for Windows
+/// sometimes leaves one of them waiting for ever.
+class Gate {
+ public:
+  void pass() {
+    std::unique_lock lock(mutex_);
+    if (--missing_ == 0) opened_.notify_all();
+    opened_.wait(lock, [this] { return missing_ == 0; });
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable opened_;
+  int missing_ = kThreads;
+};
+
 void onThreads(const std::function<void(int)>& work) {
-  std::barrier begin(kThreads);
+  Gate begin;
   std::vector<std::thread> threads;
   threads.reserve(kThreads);
   for (int i = 0; i < kThreads; ++i) {
     threads.emplace_back([&, i] {
-      begin.arrive_and_wait();
+      begin.pass();
       work(i);
     });
   }
