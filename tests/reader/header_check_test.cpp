@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "reader/kpf_header.h"
+#include "reader/kpf_header_check.h"
 #include "stream/vx_kpf_header.h"
 #include "stream/vx_stream_kpf_packed.h"
 #include "tests/reader/recording_bytes.h"
@@ -21,7 +23,7 @@ using testing::ElementsAre;
 class HeaderCheck : public TEST_READER::HandMade {
  protected:
   /// Of the header as the writer would make it, 97612893 frames a data file.
-  Bytes flawless() const { return with(headerBytes(), 464, {0x5D, 0x74, 0xD1, 0x05}); }
+  static Bytes flawless() { return with(headerBytes(), 464, {0x5D, 0x74, 0xD1, 0x05}); }
 
   std::vector<HeaderDeviation> deviations(const Bytes& bytes) {
     writeBytes(header, bytes);
@@ -36,12 +38,14 @@ class HeaderCheck : public TEST_READER::HandMade {
     return texts;
   }
 
-  /// Whether a single changed bit at `offset` is noticed at that very byte or its field.
-  bool noticed(std::size_t offset) {
+  /// Whether a single changed bit at `offset` is noticed. Looks at the bytes without a file around
+  /// them: thousands of those take seconds where files are slow, as they are under Wine.
+  static bool noticed(std::size_t offset) {
     Bytes bytes = flawless();
     bytes[offset] ^= 0x40;
     try {
-      return !deviations(bytes).empty();
+      KPF_READER::parseHeader(bytes, "");
+      return !KPF_READER::findDeviations(bytes).empty();
     } catch (const KPF_READER::RecordingError&) {
       return true;
     }
