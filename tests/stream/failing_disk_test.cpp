@@ -2,12 +2,11 @@
 #include "tests/stream/stream_test.h"
 
 #ifndef _WIN32
-#include <sys/resource.h>
-
-#include <csignal>
 #include <cstddef>
 #include <filesystem>
 #include <memory>
+
+#include "tests/support/file_size_limit.h"
 #endif
 
 namespace {
@@ -56,26 +55,6 @@ TEST_F(FailingDisk, FrameOnAFullDeviceCountsButIsNotSilent) {
   EXPECT_EQ(stream.addFrame(smallFrame(1)), 4U);
 }
 
-/// No file grows past `bytes` while it lives; the signal that would tell is ignored.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(rlim_t bytes) : signalBefore_(std::signal(SIGXFSZ, SIG_IGN)) {
-    getrlimit(RLIMIT_FSIZE, &before_);
-    const rlimit limited{bytes, before_.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &limited);
-  }
-  ~FileSizeLimit() {
-    setrlimit(RLIMIT_FSIZE, &before_);
-    std::signal(SIGXFSZ, signalBefore_);
-  }
-  FileSizeLimit(const FileSizeLimit&) = delete;
-  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
- private:
-  rlimit before_{};
-  void (*signalBefore_)(int);
-};
-
 /// A frame of 100 x 50 pixels at 8 bits, larger than what a stream gathers before it writes.
 std::unique_ptr<VX_KPF_PACKED::VxKPFPacked> largeFrame(unsigned char fill) {
   auto frame = std::make_unique<VX_KPF_PACKED::VxKPFPacked>();
@@ -100,7 +79,8 @@ TEST_P(DiskThatRecovers, KeepsEveryOtherFrameAtItsPlace) {
   stream.addFrame(frame(1));
   output();
   {
-    const FileSizeLimit limit(recordSize + 20);  // the second record tears behind its header
+    // The second record tears behind its header.
+    const TEST_SUPPORT::FileSizeLimit limit(recordSize + 20);
     EXPECT_EQ(stream.addFrame(frame(2)), 3U);
   }
   EXPECT_EQ(output(), "queueFrame: io stream write failed.\n");
@@ -132,7 +112,7 @@ class FolderThatMoves : public FailingDisk {
     stream.addFrame(smallFrame(1));
   }
   void failOneFrame() {
-    const FileSizeLimit limit(28 + 10);
+    const TEST_SUPPORT::FileSizeLimit limit(28 + 10);
     EXPECT_EQ(stream.addFrame(smallFrame(2)), 3U);
     EXPECT_EQ(output(), "queueFrame: io stream write failed.\n");
   }
@@ -181,7 +161,7 @@ TEST_F(FailingDisk, ThatStaysFullLeavesTheWholeRecords) {
   stream.addFrame(smallFrame(1));
   stream.addFrame(smallFrame(2));
   {
-    const FileSizeLimit limit(2 * 28 + 10);
+    const TEST_SUPPORT::FileSizeLimit limit(2 * 28 + 10);
     for (int i = 0; i < 3; ++i) stream.addFrame(smallFrame(9));
   }
   EXPECT_EQ(stream.seqNum, 5U);

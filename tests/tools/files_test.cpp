@@ -22,7 +22,6 @@ using TEST_SUPPORT::readText;
 using TEST_SUPPORT::writeText;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 namespace fs = std::filesystem;
 
@@ -91,7 +90,8 @@ TEST_F(Files, ThatMatchAPatternAreFoundByTheirNumbers) {
   }
   EXPECT_THAT(ImagePattern::parse(folder_ / "f_%03d.png")->numbersThere(),
               UnorderedElementsAre(1, 1234));
-  EXPECT_THAT(ImagePattern::parse(folder_ / "missing/f_%03d.png")->numbersThere(), IsEmpty());
+  EXPECT_THAT(ImagePattern::parse(folder_ / "missing/f_%03d.png")->numbersThere(),
+              testing::IsEmpty());
 }
 
 TEST_F(Files, ThatMatchAPatternHaveAFirstAndALast) {

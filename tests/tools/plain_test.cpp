@@ -21,9 +21,6 @@ using namespace KPF_TOOL;
 using TEST_SUPPORT::entriesBelow;
 using TEST_SUPPORT::readText;
 using TEST_SUPPORT::writeText;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
 
 std::string rateOf(double rate) {
   PictureFormat format;
@@ -76,7 +73,7 @@ TEST_F(Plain, ImagesBeginTheirSamplesWithTheHighByte) {
   output->add(frame_);
   output->add(frame_);
   output->finish();
-  EXPECT_THAT(entriesBelow(folder_.path()), ElementsAre("f_007.PGM", "f_008.PGM"));
+  EXPECT_THAT(entriesBelow(folder_.path()), testing::ElementsAre("f_007.PGM", "f_008.PGM"));
   EXPECT_EQ(readText(folder_ / "f_008.PGM"), "P5\n2 1\n65535\n\x12\x30\xFF\xF0");
 }
 
@@ -92,7 +89,7 @@ TEST_F(Plain, WhatIsNotFinishedLeavesNothing) {
   PictureFormat one = deep_;
   one.frames = 1;
   open("one.pgm", one)->add(frame_);
-  EXPECT_THAT(entriesBelow(folder_.path()), IsEmpty());
+  EXPECT_THAT(entriesBelow(folder_.path()), testing::IsEmpty());
 }
 
 TEST_F(Plain, WhatIsThereIsKept) {
@@ -115,7 +112,7 @@ TEST_F(Plain, FullDiskIsToldAndLeavesWhatWasThere) {
     for (int i = 0; i < 3; ++i) output->add(frame_);
     output->finish();
   };
-  EXPECT_THAT(addThree, testing::ThrowsMessage<ToolError>(HasSubstr("cannot write")));
+  EXPECT_THAT(addThree, testing::ThrowsMessage<ToolError>(testing::HasSubstr("cannot write")));
   EXPECT_EQ(readText(folder_ / "clip.raw"), "older");
 }
 #endif
