@@ -12,7 +12,8 @@ set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS
   ${PROJECT_SOURCE_DIR}/python/pyproject.toml)
 execute_process(
   COMMAND ${VLM_PYTHON} ${PROJECT_SOURCE_DIR}/python/make_metadata.py ${kpf_metadata}
-  OUTPUT_VARIABLE python_version OUTPUT_STRIP_TRAILING_WHITESPACE RESULT_VARIABLE failed ERROR_QUIET)
+  OUTPUT_VARIABLE python_version OUTPUT_STRIP_TRAILING_WHITESPACE
+  RESULT_VARIABLE failed ERROR_QUIET)
 if(failed)
   vlm_leave_out("the package for Python, which asks for Python 3.11" python3)
   return()
@@ -29,7 +30,8 @@ install(DIRECTORY python/kpf DESTINATION ${VLM_PYTHON_DIR} COMPONENT kpf_python
   FILES_MATCHING PATTERN "*.py" PATTERN "*.yaml" PATTERN "py.typed" PATTERN __pycache__ EXCLUDE)
 install(DIRECTORY ${kpf_metadata} DESTINATION ${VLM_PYTHON_DIR} COMPONENT kpf_python)
 
-# A wheel with the library inside, for systems like this one: `cmake --build FOLDER --target kpf_wheel`.
+# A wheel with the library inside, for systems like this one:
+# `cmake --build FOLDER --target kpf_wheel`.
 add_custom_target(kpf_wheel VERBATIM DEPENDS libkpf
   COMMAND ${CMAKE_COMMAND} -D PYTHON=${VLM_PYTHON} -D SOURCE=${PROJECT_SOURCE_DIR}/python
     -D LIBRARY=$<TARGET_FILE:libkpf> -D NAME=$<TARGET_SONAME_FILE_NAME:libkpf>

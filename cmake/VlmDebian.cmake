@@ -37,7 +37,8 @@ endmacro()
 # Which package a program needs that is linked to the library; dpkg-shlibdeps reads it.
 set(library_package libvlm-internal${PROJECT_VERSION_MAJOR})
 set(shlibs ${PROJECT_BINARY_DIR}/debian/shlibs)
-file(WRITE ${shlibs} "libvlm_internal ${PROJECT_VERSION_MAJOR} ${library_package} (>= ${PROJECT_VERSION})\n")
+file(WRITE ${shlibs}
+  "libvlm_internal ${PROJECT_VERSION_MAJOR} ${library_package} (>= ${PROJECT_VERSION})\n")
 
 vlm_debian_package(library ${library_package} libs
   CONTROL ${shlibs} ${PROJECT_SOURCE_DIR}/cmake/debian/triggers
@@ -59,7 +60,8 @@ what CMake and pkg-config need to find them, documentation and examples.")
 # The front in C needs nothing of the other library.
 set(kpf_library_package libkpf${PROJECT_VERSION_MAJOR})
 set(kpf_shlibs ${PROJECT_BINARY_DIR}/debian/kpf/shlibs)
-file(WRITE ${kpf_shlibs} "libkpf ${PROJECT_VERSION_MAJOR} ${kpf_library_package} (>= ${PROJECT_VERSION})\n")
+file(WRITE ${kpf_shlibs}
+  "libkpf ${PROJECT_VERSION_MAJOR} ${kpf_library_package} (>= ${PROJECT_VERSION})\n")
 vlm_debian_package(kpf_library ${kpf_library_package} libs
   CONTROL ${kpf_shlibs} ${PROJECT_SOURCE_DIR}/cmake/debian/triggers
   DESCRIPTION "recordings of mono video, for C and other languages

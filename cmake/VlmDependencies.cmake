@@ -10,7 +10,8 @@ endif()
 
 set(missing)
 if(NOT fmt_FOUND)
-  string(APPEND missing "  {fmt} 10 or later (Debian 12 has 9; scripts/setup puts 10 into build/deps)\n")
+  string(APPEND missing
+    "  {fmt} 10 or later (Debian 12 has 9; scripts/setup puts 10 into build/deps)\n")
   if(fmt_CONSIDERED_VERSIONS)
     string(APPEND missing "    found and too old: {fmt} ${fmt_CONSIDERED_VERSIONS}\n")
   endif()
@@ -28,12 +29,12 @@ endif()
 if(missing)
   message(FATAL_ERROR "Missing:\n${missing}To have it:\n"
     "  scripts/setup test    gets everything on Debian and its kin, as root or with sudo.\n"
-    "An installed {fmt} 10 or later is taken: -D CMAKE_PREFIX_PATH=FOLDER where CMake does not look "
-    "by itself. README.md lists what building needs.")
+    "An installed {fmt} 10 or later is taken: -D CMAKE_PREFIX_PATH=FOLDER where CMake does not "
+    "look by itself. README.md lists what building needs.")
 endif()
 
-# vlm_leave_out(WHAT PACKAGE...): notes that WHAT is not built for want of Debian's PACKAGEs. The end
-# of the configuration says so, where it is seen.
+# vlm_leave_out(WHAT PACKAGE...): notes that WHAT is not built for want of Debian's PACKAGEs. The
+# end of the configuration says so, where it is seen.
 function(vlm_leave_out what)
   list(JOIN ARGN " " packages)
   set_property(GLOBAL APPEND_STRING PROPERTY vlm_left_out

@@ -9,8 +9,9 @@ target_compile_options(vlm_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
   $<$<BOOL:${VLM_WERROR}>:-Werror>)
 # Optimising, GCC 12 takes the buffer inside a std::string for an overrun (GCC bug 105651).
+set(optimised_by_gcc $<AND:$<CXX_COMPILER_ID:GNU>,$<NOT:$<CONFIG:Debug>>>)
 target_compile_options(vlm_flags INTERFACE
-  $<$<AND:$<CXX_COMPILER_ID:GNU>,$<NOT:$<CONFIG:Debug>>>:-Wno-array-bounds -Wno-restrict -Wno-stringop-overflow>)
+  $<${optimised_by_gcc}:-Wno-array-bounds -Wno-restrict -Wno-stringop-overflow>)
 target_include_directories(vlm_flags INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
 
 if(VLM_SANITIZE)

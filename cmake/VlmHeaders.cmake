@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 # Libraries that are headers alone, for cross-builds. Debian keeps them between those of its own C
-# library, which another system's compiler must not see: they are looked at through a folder of links.
+# library, which another system's compiler must not see: they are looked at through a folder of
+# links.
 set(header_folder ${PROJECT_BINARY_DIR}/headers)
 file(MAKE_DIRECTORY ${header_folder})
 

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-# The target `uninstall`: removes what the last `cmake --install` of this folder laid down. A list of
-# our own, since packing would overwrite CMake's.
+# The target `uninstall`: removes what the last `cmake --install` of this folder laid down. A list
+# of our own, since packing would overwrite CMake's.
 set(installed ${PROJECT_BINARY_DIR}/installed.txt)
 install(CODE "
   if(NOT \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}\" MATCHES /_CPack_Packages/)

@@ -8,7 +8,8 @@ set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 find_program(CMAKE_CROSSCOMPILING_EMULATOR NAMES wine wine64)
 
-# Libraries come from the cross compiler's folders only, packages also from where they are said to be.
+# Libraries come from the cross compiler's folders only, packages also from where they are said to
+# be.
 set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)

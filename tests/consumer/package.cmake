@@ -2,6 +2,9 @@
 find_program(PKG_CONFIG_PROGRAM pkg-config)
 find_program(DPKG_DEB dpkg-deb)
 
+set(with_this_compiler -DCMAKE_TOOLCHAIN_FILE=${CMAKE_TOOLCHAIN_FILE}
+  -DCMAKE_CXX_COMPILER=${CMAKE_CXX_COMPILER} -DCMAKE_C_COMPILER=${CMAKE_C_COMPILER})
+
 # vlm_add_package_test(NAME LABEL [GENERATOR of cpack])
 function(vlm_add_package_test name label)
   add_test(NAME ${name} COMMAND ${CMAKE_COMMAND}
@@ -9,7 +12,7 @@ function(vlm_add_package_test name label)
     -D PREFIX=${PROJECT_BINARY_DIR}/consumer/${name}/prefix
     -D FOLDER=${PROJECT_BINARY_DIR}/consumer/${name}
     -D SOURCE=${CMAKE_CURRENT_FUNCTION_LIST_DIR}
-    -D "CONFIGURE=-DCMAKE_TOOLCHAIN_FILE=${CMAKE_TOOLCHAIN_FILE};-DCMAKE_CXX_COMPILER=${CMAKE_CXX_COMPILER};-DCMAKE_C_COMPILER=${CMAKE_C_COMPILER}"
+    -D "CONFIGURE=${with_this_compiler}"
     -D "EMULATOR=${CMAKE_CROSSCOMPILING_EMULATOR}"
     -D WINDOWS=$<BOOL:${WIN32}> -D WITH_TOOL=$<TARGET_EXISTS:kpf>
     -D PKG_CONFIG=$<$<NOT:$<BOOL:${WIN32}>>:${PKG_CONFIG_PROGRAM}>

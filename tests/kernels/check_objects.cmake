@@ -13,7 +13,8 @@ foreach(object IN LISTS OBJECTS)
   if(WINDOWS)
     execute_process(COMMAND ${OBJDUMP} -d --no-show-raw-insn ${object}
       OUTPUT_VARIABLE code COMMAND_ERROR_IS_FATAL ANY)
-    string(REGEX MATCHALL "vmov(dqa|dqa32|dqa64|aps|apd|ntdq|ntps|ntpd) [^\n]*[(][^\n]*" moves "${code}")
+    string(REGEX MATCHALL
+      "vmov(dqa|dqa32|dqa64|aps|apd|ntdq|ntps|ntpd) [^\n]*[(][^\n]*" moves "${code}")
     list(FILTER moves INCLUDE REGEX "%[yz]mm")
     if(moves)
       message(FATAL_ERROR "${object} moves aligned: ${moves}")

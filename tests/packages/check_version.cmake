@@ -18,6 +18,7 @@ string(REGEX REPLACE "^## ([0-9.]+) - [0-9]+-[0-9]+-[0-9]+$" "\\1" newest "${new
 expect_equal("the newest release in the changelog" "${newest}" "${VERSION}")
 
 if(KPF)
-  execute_process(COMMAND ${EMULATOR} ${KPF} --version OUTPUT_VARIABLE said COMMAND_ERROR_IS_FATAL ANY)
+  execute_process(COMMAND ${EMULATOR} ${KPF} --version
+    OUTPUT_VARIABLE said COMMAND_ERROR_IS_FATAL ANY)
   expect_equal("kpf --version" "${said}" "kpf ${VERSION}\n")
 endif()
