@@ -6,7 +6,7 @@ add_test(NAME example_amplify COMMAND amplify_motion)
 set_tests_properties(example_record PROPERTIES
   PASS_REGULAR_EXPRESSION "example.kpf: 100 frames, complete")
 set_tests_properties(example_record example_amplify PROPERTIES
-  LABELS examples ENVIRONMENT "OMP_WAIT_POLICY=passive;${VLM_TEST_ENVIRONMENT}")
+  LABELS examples ENVIRONMENT "OMP_WAIT_POLICY=passive")
 
 if(NOT VLM_SANITIZE)
   add_test(NAME example_record_c COMMAND ${CMAKE_COMMAND}
@@ -15,7 +15,7 @@ if(NOT VLM_SANITIZE)
     -P ${CMAKE_CURRENT_LIST_DIR}/check_c_examples.cmake)
   add_test(NAME example_amplify_c COMMAND amplify_c)
   set_tests_properties(example_record_c example_amplify_c PROPERTIES
-    LABELS "examples;capi" ENVIRONMENT "OMP_WAIT_POLICY=passive;${VLM_TEST_ENVIRONMENT}")
+    LABELS "examples;capi" ENVIRONMENT "OMP_WAIT_POLICY=passive")
   set_tests_properties(example_amplify_c PROPERTIES
     PASS_REGULAR_EXPRESSION "the edge moves by 4 of 255, amplified by 36")
 endif()

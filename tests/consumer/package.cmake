@@ -20,7 +20,7 @@ function(vlm_add_package_test name label)
     -D C_COMPILER=${CMAKE_C_COMPILER}
     -P ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/check_package.cmake)
   set_tests_properties(${name} PROPERTIES
-    LABELS ${label} ENVIRONMENT "OMP_WAIT_POLICY=passive;${VLM_TEST_ENVIRONMENT}")
+    LABELS ${label} ENVIRONMENT "OMP_WAIT_POLICY=passive")
 endfunction()
 
 vlm_add_package_test(consumer_install consumer)

@@ -26,7 +26,7 @@ add_test(NAME capi_caller COMMAND ${CMAKE_COMMAND}
   -D FOLDER=${CMAKE_CURRENT_BINARY_DIR}/caller_out
   -P ${CMAKE_CURRENT_LIST_DIR}/check_caller.cmake)
 set_tests_properties(capi_caller PROPERTIES
-  LABELS capi ENVIRONMENT "OMP_WAIT_POLICY=passive;${VLM_TEST_ENVIRONMENT}")
+  LABELS capi ENVIRONMENT "OMP_WAIT_POLICY=passive")
 
 # The DLL needs no other file: nothing of the compiler's, and of the system's only these two.
 if(WIN32)
