@@ -7,6 +7,7 @@
 
 #include "capi/calls.h"
 #include "packed/vx_pack_kernels.h"
+#include "packed/vx_packing_team.h"
 #include "reader/kpf_unpack_kernels.h"
 
 namespace KPF_C {
@@ -16,8 +17,6 @@ namespace {
 static_assert(std::endian::native == std::endian::little);
 
 constexpr std::uint32_t kMostPixels = 65535;  // a side; the header has 16 bits for it
-// Below this a second thread costs more than it brings.
-constexpr std::size_t kParallelPixels = std::size_t{64} << 10;
 constexpr std::size_t kRun = 2048;  // samples that are worked on while they are in the first cache
 constexpr unsigned kFreeBits = 4;   // below the 12 of a left-justified sample
 
@@ -115,7 +114,7 @@ std::size_t strideOf(const Geometry& geometry, std::size_t rowStride) {
 bool packImage(const Geometry& geometry, const unsigned char* image, std::size_t stride,
                std::uint32_t form, unsigned char* packed) {
   unsigned seen = 0;
-  const bool worthATeam = geometry.pixels() >= kParallelPixels;
+  const bool worthATeam = geometry.pixels() >= VX_KPF_PACKED::kTeamPixels;
 #pragma omp parallel for schedule(static) default(none)       \
     shared(geometry, image, stride, form, packed) reduction(| \
                                                             : seen) if (worthATeam)

@@ -9,16 +9,13 @@
 
 #include "format/kpf_sizes.h"
 #include "packed/vx_pack_kernels.h"
+#include "packed/vx_packing_team.h"
 
 namespace VX_KPF_PACKED {
 namespace {
 
 // Offsets into an image or a frame stay below this.
 constexpr std::uint64_t kAddressable = std::uint64_t{1} << 31;
-
-// Below this a second thread costs more than it brings, most of all where other work holds the
-// cores.
-constexpr std::size_t kParallelPixels = std::size_t{64} << 10;
 
 constinit VX_FRAME_MEMORY::SpareFrame framePixels;
 
@@ -144,7 +141,7 @@ void VxKPFPacked::setTiffImageData(const unsigned char* image, unsigned widthIn,
     return;
   }
   packOnTeam(ImagePacker(image, packedData.get(), width, bitsPerPixel), rows.itemsPerRow * height,
-             pixels >= kParallelPixels);
+             pixels >= kTeamPixels);
 }
 
 }  // namespace VX_KPF_PACKED

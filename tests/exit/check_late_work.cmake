@@ -20,7 +20,7 @@ if(NOT said STREQUAL closing OR NOT EXISTS ${FOLDER}/rec.kpf.incomplete.txt)
   message(FATAL_ERROR "Not the words of a stream that closes itself once: ${said}")
 endif()
 
-math(EXPR record_size "16 + 512 * 512 * 3 / 2")
+math(EXPR record_size "16 + 2048 * 2048 * 3 / 2")
 file(SIZE ${FOLDER}/rec/rec_0001.div size)
 math(EXPR rest "${size} % ${record_size}")
 math(EXPR records "${size} / ${record_size}")

@@ -17,8 +17,8 @@
 namespace {
 
 // Large enough that the memory of a frame is handed on, and that a team works on it.
-constexpr unsigned kWidth = 512;
-constexpr unsigned kHeight = 512;
+constexpr unsigned kWidth = 2048;
+constexpr unsigned kHeight = 2048;
 constexpr unsigned kPixels = kWidth * kHeight;
 constexpr unsigned kFrames = 100000;
 constexpr int kLateFrames = 3;

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "packed/vx_kpf_packed.h"
+#include "packed/vx_packing_team.h"
 #include "tests/support/files.h"
 
 namespace {
@@ -155,17 +156,18 @@ TEST(TiffPacking, EverySmallImageIsPackedByTheRule) {
   }
 }
 
-// Above 64 Ki pixels the whole team takes part, so that every border between two threads' shares
-// falls somewhere else.
+// The whole team takes part in images of this size, so that every border between two threads'
+// shares falls somewhere else.
 TEST(TiffPacking, ResultDoesNotDependOnTheNumberOfThreads) {
+  constexpr unsigned kHeight = VX_KPF_PACKED::kTeamPixels / 514 + 1;
   const int before = omp_get_max_threads();
   for (const int bits : {8, 12}) {
     for (const unsigned width : {514U, 515U, 516U, 517U}) {
-      const Bytes image = randomImage(width, 131, bits);
-      const Bytes expected = packedByHand(image, width, 131, bits);
+      const Bytes image = randomImage(width, kHeight, bits);
+      const Bytes expected = packedByHand(image, width, kHeight, bits);
       for (const int threads : {1, 2, 3, 7}) {
         omp_set_num_threads(threads);
-        EXPECT_TRUE(pack(image, width, 131, bits) == expected)
+        EXPECT_TRUE(pack(image, width, kHeight, bits) == expected)
             << width << " at " << bits << " bits, " << threads << " threads";
       }
     }
