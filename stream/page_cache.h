@@ -4,6 +4,7 @@
 #define PAGE_CACHE_H
 
 #include <cstdint>
+#include <filesystem>
 
 namespace VLM_KPF {
 
@@ -33,7 +34,16 @@ class PageCache {
   /// One more descriptor of an open file, which child processes do not inherit; -1: there is none.
   virtual int keepOpen(int file) noexcept = 0;
 
-  /// Closes what keepOpen gave.
+  /// Fills the pages that `count` records of so many bytes take in `folder`, in no file that
+  /// anybody sees. @return a descriptor that holds them and that child processes do not inherit;
+  /// -1: none.
+  virtual int takePages(const std::filesystem::path& folder, std::uint64_t record,
+                        unsigned count) noexcept = 0;
+
+  /// Gives back the pages that takePages took, but those of the first `bytes`.
+  virtual void keepPages(int pages, std::uint64_t bytes) noexcept = 0;
+
+  /// Closes what keepOpen or takePages gave.
   virtual void release(int file) noexcept = 0;
 
   /// That of this system. Never destroyed: a writer may close itself while the process ends.

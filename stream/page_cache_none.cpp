@@ -1,4 +1,7 @@
 // Systems that take no such advice.
+#include <cstdint>
+#include <filesystem>
+
 #include "stream/page_cache.h"
 
 namespace VLM_KPF {
@@ -9,6 +12,10 @@ class NoPageCache final : public PageCache {
   void startWriting(int, ByteRange) noexcept override {}
   void dropWritten(int, ByteRange) noexcept override {}
   int keepOpen(int) noexcept override { return -1; }
+  int takePages(const std::filesystem::path&, std::uint64_t, unsigned) noexcept override {
+    return -1;
+  }
+  void keepPages(int, std::uint64_t) noexcept override {}
   void release(int) noexcept override {}
 };
 

@@ -99,8 +99,12 @@ void VxKPFPackedStream::switchDivFile() {
   }
   divFile.open(divFileName(number), std::ios::out | std::ios::trunc | std::ios::binary);
   currentDivFile = number;
+  writeBehind_.begin(bytesOfDivFile());
+}
+
+std::uint64_t VxKPFPackedStream::bytesOfDivFile() const {
   const unsigned records = std::min(framesPerDivFile, getFrameCount() - seqNum);
-  writeBehind_.begin(records * KPF_FORMAT::recordSizeOf(std::uint64_t{frameSize}));
+  return records * KPF_FORMAT::recordSizeOf(std::uint64_t{frameSize});
 }
 
 // The header waits in the stream's buffer, so that header and pixels go out in one system call.

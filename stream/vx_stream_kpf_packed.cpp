@@ -78,7 +78,12 @@ unsigned VxKPFPackedStream::prepareForWriting(const std::string& name,
     return streamStatus = STREAM_RECORD_TOO_LARGE;
   }
   if (!deriveNames(name)) return streamStatus = STREAM_BAD_PATH;
-  return streamStatus = createFiles();
+  streamStatus = createFiles();
+  if (streamStatus == STREAM_WRITING) {
+    writeBehind_.prepare(nativePath(divFolder), KPF_FORMAT::recordSizeOf(std::uint64_t{frameSize}),
+                         bytesOfDivFile());
+  }
+  return streamStatus;
 }
 
 unsigned VxKPFPackedStream::closeStream() {

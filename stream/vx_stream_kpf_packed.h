@@ -2,6 +2,7 @@
 #ifndef VX_STREAM_KPF_PACKED_H
 #define VX_STREAM_KPF_PACKED_H
 
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -122,6 +123,8 @@ class VxKPFPackedStream {
   bool acceptsFrame(const VX_KPF_PACKED::VxKPFPacked* frame);
   std::filesystem::path divFileName(unsigned number) const;
   void switchDivFile();
+  /// What the data file that begins with the next frame will hold if all goes on as announced.
+  std::uint64_t bytesOfDivFile() const;
   void writeRecord(const VX_KPF_PACKED::VxKPFPacked& frame);
   void closeDivFile();
 

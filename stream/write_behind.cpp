@@ -16,6 +16,27 @@ ByteRange withPieceBefore(ByteRange bytes) {
 
 }  // namespace
 
+// Until so much is written, nothing is dropped.
+void WriteBehind::prepare(const std::filesystem::path& folder, std::uint64_t record,
+                          std::uint64_t expected) noexcept {
+  if (expected < kSmall) return;
+  record_ = record;
+  const std::uint64_t count = (kWindow + kChunk) / record + 1;
+  held_ = count * record;
+  pages_ = cache_.takePages(folder, record, static_cast<unsigned>(count));
+}
+
+void WriteBehind::givePages() noexcept {
+  held_ -= record_;
+  cache_.keepPages(pages_, held_);
+  if (held_ == 0) releasePages();
+}
+
+void WriteBehind::releasePages() noexcept {
+  if (pages_ >= 0) cache_.release(pages_);
+  pages_ = -1;
+}
+
 void WriteBehind::start(int file) noexcept {
   const std::uint64_t whole = wholeChunks(end_);
   cache_.startWriting(file, {started_, whole});
@@ -42,6 +63,7 @@ void WriteBehind::nextFile(int file) noexcept {
 }
 
 void WriteBehind::finish() noexcept {
+  releasePages();
   releaseTail();
   end_ = started_ = dropped_ = newest_ = 0;
 }

@@ -4,6 +4,7 @@
 #define WRITE_BEHIND_H
 
 #include <cstdint>
+#include <filesystem>
 
 #include "stream/page_cache.h"
 
@@ -17,6 +18,9 @@ namespace VLM_KPF {
  * the device as soon as it is full, and what lies a window behind is given back just before a
  * record takes new pages: so the same pages serve again at once, the device has had the time
  * between two frames for them, and no more than a window and two records ever wait.
+ *
+ * The first records have nothing behind them. Their pages are taken when the recording is prepared,
+ * and one record's worth of them is given back before each, as later that of an earlier record.
  *
  * No thread, no memory, nothing that fails. The writer's bytes are with the system before it is
  * told here; a file that will stay small keeps all its pages.
@@ -35,11 +39,17 @@ class WriteBehind {
   WriteBehind(const WriteBehind&) = delete;
   WriteBehind& operator=(const WriteBehind&) = delete;
 
+  /// A recording begins in `folder`, with records of so many bytes and `expected` bytes of them in
+  /// its first file.
+  void prepare(const std::filesystem::path& folder, std::uint64_t record,
+               std::uint64_t expected) noexcept;
+
   /// A new file begins, which will hold `expected` bytes if all goes on as announced.
   void begin(std::uint64_t expected) noexcept { staysSmall_ = expected < kSmall; }
 
   /// A record will be written to `file` now.
   void makeRoom(int file) noexcept {
+    if (pages_ >= 0) givePages();
     if (tailFile_ >= 0) dropTail();
     if (end_ >= dropped_ + kWindow + kChunk && !staysSmall_) drop(file);
   }
@@ -59,6 +69,8 @@ class WriteBehind {
   void finish() noexcept;
 
  private:
+  void givePages() noexcept;
+  void releasePages() noexcept;
   void start(int file) noexcept;
   void drop(int file) noexcept;
   void dropTail() noexcept;
@@ -70,6 +82,9 @@ class WriteBehind {
   std::uint64_t started_ = 0;  // that are on their way to the device: whole chunks,
   std::uint64_t newest_ = 0;   // that were there before the last record,
   std::uint64_t dropped_ = 0;  // and whose pages were given back
+  int pages_ = -1;             // what holds the pages for the first records,
+  std::uint64_t held_ = 0;     // so many bytes of them,
+  std::uint64_t record_ = 0;   // of which each takes these
   int tailFile_ = -1;          // the file before, as long as it has pages to give back
   ByteRange tail_;             // those pages
 };

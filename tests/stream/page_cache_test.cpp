@@ -71,12 +71,31 @@ TEST_F(CachedPages, AreDroppedOnlyWhereAsked) {
   close(descriptor);
 }
 
+TEST(SystemPageCache, TakesPagesWithAFileThatNobodySees) {
+  const TEST_SUPPORT::TemporaryFolder folder;
+  const int pages = PageCache::system().takePages(folder.path(), 2 * kMiB + 1, 3);
+  if (pages < 0) GTEST_SKIP() << "the file system has no files without a name";
+  EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+  EXPECT_NE(fcntl(pages, F_GETFD) & FD_CLOEXEC, 0);
+  EXPECT_EQ(lseek(pages, 0, SEEK_END), static_cast<off_t>(6 * kMiB + 3));
+  PageCache::system().keepPages(pages, 2 * kMiB);
+  EXPECT_EQ(lseek(pages, 0, SEEK_END), static_cast<off_t>(2 * kMiB));
+  PageCache::system().release(pages);
+  EXPECT_EQ(fcntl(pages, F_GETFD), -1);
+}
+
+TEST(SystemPageCache, TakesNoPagesInAFolderThatIsGone) {
+  const TEST_SUPPORT::TemporaryFolder folder;
+  EXPECT_EQ(PageCache::system().takePages(folder.path() / "gone", kMiB, 1), -1);
+}
+
 TEST(SystemPageCache, TakesAdviceAboutWhatIsNoFile) {
   int pipes[2];
   ASSERT_EQ(pipe2(pipes, O_CLOEXEC), 0);
   for (const int descriptor : {-1, pipes[1]}) {
     PageCache::system().startWriting(descriptor, {0, kMiB});
     PageCache::system().dropWritten(descriptor, {0, kMiB});
+    PageCache::system().keepPages(descriptor, 0);
   }
   EXPECT_EQ(PageCache::system().keepOpen(-1), -1);
   EXPECT_EQ(write(pipes[1], "x", 1), 1);  // and leaves it in use

@@ -3,6 +3,7 @@
 #define TESTS_STREAM_SCRIPTED_PAGE_CACHE_H
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <utility>
 
@@ -11,17 +12,26 @@
 class ScriptedPageCache final : public VLM_KPF::PageCache {
  public:
   static constexpr int kKept = 1000;  // added to a file's descriptor by keepOpen
+  static constexpr int kTaken = 99;   // what takePages gives
   static constexpr std::uint64_t kMiB = 1U << 20;
 
   void startWriting(int file, VLM_KPF::ByteRange bytes) noexcept override {
-    note("start", file, bytes);
+    note("start", std::to_string(file), bytes);
   }
   void dropWritten(int file, VLM_KPF::ByteRange bytes) noexcept override {
-    note("drop", file, bytes);
+    note("drop", std::to_string(file), bytes);
   }
   int keepOpen(int file) noexcept override {
     said_ += "keep " + std::to_string(file) + "\n";
     return full ? -1 : file + kKept;
+  }
+  int takePages(const std::filesystem::path& folder, std::uint64_t record,
+                unsigned count) noexcept override {
+    note("take", (folder / "").parent_path().filename().string(), {0, record * count});
+    return full ? -1 : kTaken;
+  }
+  void keepPages(int pages, std::uint64_t bytes) noexcept override {
+    note("hold", std::to_string(pages), {0, bytes});
   }
   void release(int file) noexcept override { said_ += "release " + std::to_string(file) + "\n"; }
 
@@ -32,10 +42,9 @@ class ScriptedPageCache final : public VLM_KPF::PageCache {
   bool full = false;  // no descriptor is left to give
 
  private:
-  void note(const char* what, int file, VLM_KPF::ByteRange bytes) {
-    said_ += std::string(what) + " " + std::to_string(file) + " " +
-             std::to_string(bytes.begin / kMiB) + "-" + std::to_string(bytes.end / kMiB) +
-             (bytes.end % kMiB != 0 ? "+\n" : "\n");
+  void note(const char* what, const std::string& whose, VLM_KPF::ByteRange bytes) {
+    said_ += std::string(what) + " " + whose + " " + std::to_string(bytes.begin / kMiB) + "-" +
+             std::to_string(bytes.end / kMiB) + (bytes.end % kMiB != 0 ? "+\n" : "\n");
   }
 
   std::string said_;

@@ -141,6 +141,41 @@ TEST_F(WriteBehindTest, TheEndOfTheRecordingReleasesAndForgets) {
   EXPECT_EQ(grow(kNext, 0, 2), "start 6 0-2\n");
 }
 
+TEST_F(WriteBehindTest, TheFirstRecordsHaveTheirPagesBeforehand) {
+  behind.prepare("data", 4 * kMiB, WriteBehind::kSmall);
+  EXPECT_EQ(cache.said(), "take data 0-12\n");
+  add(kFile, 4 * kMiB);
+  EXPECT_EQ(cache.said(), "hold 99 0-8\nstart 5 0-4\n");
+  add(kFile, 8 * kMiB);
+  cache.said();
+  add(kFile, 12 * kMiB);
+  EXPECT_EQ(cache.said(), "hold 99 0-0\nrelease 99\nstart 5 8-12\n");
+  add(kFile, 16 * kMiB);
+  EXPECT_EQ(cache.said(), "drop 5 0-4\nstart 5 12-16\n");
+}
+
+TEST_F(WriteBehindTest, ASmallFileTakesNoPagesBeforehand) {
+  behind.prepare("data", 4 * kMiB, WriteBehind::kSmall - 1);
+  EXPECT_EQ(cache.said(), "");
+}
+
+TEST_F(WriteBehindTest, WithoutPagesBeforehandTheFirstRecordsTakeFreshOnes) {
+  cache.full = true;
+  behind.prepare("data", 4 * kMiB, WriteBehind::kSmall);
+  EXPECT_EQ(cache.said(), "take data 0-12\n");
+  add(kFile, 4 * kMiB);
+  EXPECT_EQ(cache.said(), "start 5 0-4\n");
+}
+
+TEST_F(WriteBehindTest, PagesThatNobodyUsedAreGivenBackAtTheEnd) {
+  behind.prepare("data", 4 * kMiB, WriteBehind::kSmall);
+  cache.said();
+  behind.finish();
+  EXPECT_EQ(cache.said(), "release 99\n");
+  add(kFile, 4 * kMiB);
+  EXPECT_EQ(cache.said(), "start 5 0-4\n");
+}
+
 TEST(WriteBehind, ReleasesWhenItEnds) {
   ScriptedPageCache cache;
   {

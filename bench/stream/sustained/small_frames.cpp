@@ -2,7 +2,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <utility>
@@ -28,6 +30,10 @@ class Nobody final : public PageCache {
   void startWriting(int, ByteRange) noexcept override {}
   void dropWritten(int, ByteRange) noexcept override {}
   int keepOpen(int) noexcept override { return -1; }
+  int takePages(const std::filesystem::path&, std::uint64_t, unsigned) noexcept override {
+    return -1;
+  }
+  void keepPages(int, std::uint64_t) noexcept override {}
   void release(int) noexcept override {}
 };
 

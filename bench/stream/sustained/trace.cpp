@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
+#include <filesystem>
 #include <memory>
 #include <numeric>
 #include <string>
@@ -31,6 +33,13 @@ class TimedPageCache final : public PageCache {
     wait += secondsOf([&] { system().dropWritten(file, bytes); });
   }
   int keepOpen(int file) noexcept override { return system().keepOpen(file); }
+  int takePages(const std::filesystem::path& folder, std::uint64_t record,
+                unsigned count) noexcept override {
+    return system().takePages(folder, record, count);
+  }
+  void keepPages(int pages, std::uint64_t bytes) noexcept override {
+    wait += secondsOf([&] { system().keepPages(pages, bytes); });
+  }
   void release(int file) noexcept override { system().release(file); }
 
   double start = 0;
