@@ -11,7 +11,7 @@ enum { WIDTH = 64, HEIGHT = 16, FRAMES = 200 };
 static unsigned char frame[WIDTH * HEIGHT];
 
 static void draw(unsigned number) {
-  const double edge = WIDTH / 2 + 0.1 * sin(6.283185307179586 * 5 * number / 100);
+  const double edge = 0.5 * WIDTH + 0.1 * sin(6.283185307179586 * 5 * number / 100);
   for (unsigned i = 0; i < WIDTH * HEIGHT; ++i) {
     frame[i] = (unsigned char)(128 + 100 * tanh((i % WIDTH - edge) / 4) + 0.5);
   }
