@@ -33,7 +33,7 @@ constexpr double kCycles[] = {8, 17, 26, 35, 44, 53};
 
 /// A noisy picture whose light swings at all those frequencies.
 std::string recordingOf(int bits, const TEST_SUPPORT::TemporaryFolder& folder) {
-  const std::string name = folder / ("bits" + std::to_string(bits) + ".kpf");
+  std::string name = folder / ("bits" + std::to_string(bits) + ".kpf");
   VLM_INTERNAL::VXP_STREAM_CONFIGURATION configuration;
   configuration.width = kSize.width;
   configuration.height = kSize.height;
