@@ -19,7 +19,7 @@ ByteRange withPieceBefore(ByteRange bytes) {
 // Until so much is written, nothing is dropped.
 void WriteBehind::prepare(const std::filesystem::path& folder, std::uint64_t record,
                           std::uint64_t expected) noexcept {
-  if (expected < kSmall) return;
+  if (expected < kSmall || record < kLargeRecord) return;
   record_ = record;
   const std::uint64_t count = (kWindow + kChunk) / record + 1;
   held_ = count * record;

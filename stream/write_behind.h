@@ -31,6 +31,8 @@ class WriteBehind {
   static constexpr std::uint64_t kChunk = std::uint64_t{2} << 20;
   static constexpr std::uint64_t kWindow = std::uint64_t{8} << 20;
   static constexpr std::uint64_t kSmall = std::uint64_t{32} << 20;
+  // Below this a record takes few pages, and asking for them would cost more than they do.
+  static constexpr std::uint64_t kLargeRecord = std::uint64_t{256} << 10;
   // Systems hold files in pieces of up to some MiB and give back whole pieces only.
   static constexpr std::uint64_t kLargestPiece = std::uint64_t{8} << 20;
 

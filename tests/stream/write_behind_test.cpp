@@ -154,9 +154,13 @@ TEST_F(WriteBehindTest, TheFirstRecordsHaveTheirPagesBeforehand) {
   EXPECT_EQ(cache.said(), "drop 5 0-4\nstart 5 12-16\n");
 }
 
-TEST_F(WriteBehindTest, ASmallFileTakesNoPagesBeforehand) {
+TEST_F(WriteBehindTest, SmallFilesAndSmallRecordsTakeNoPagesBeforehand) {
   behind.prepare("data", 4 * kMiB, WriteBehind::kSmall - 1);
   EXPECT_EQ(cache.said(), "");
+  behind.prepare("data", WriteBehind::kLargeRecord - 1, WriteBehind::kSmall);
+  EXPECT_EQ(cache.said(), "");
+  behind.prepare("data", WriteBehind::kLargeRecord, WriteBehind::kSmall);
+  EXPECT_EQ(cache.said(), "take data 0-10+\n");
 }
 
 TEST_F(WriteBehindTest, WithoutPagesBeforehandTheFirstRecordsTakeFreshOnes) {
