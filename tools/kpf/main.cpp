@@ -42,7 +42,6 @@ Outcome failed(const CLI::App& app, const ToolError& error) {
   return error.outcome();
 }
 
-/// Also where nobody listens: {fmt} would throw when standard error is closed.
 void complain(const std::string& what, const std::string& advice) {
   tell("kpf: {}\n{}\n", what, advice);
 }

@@ -72,7 +72,7 @@ std::unique_ptr<PictureOutput> openOutput(const Destination& destination,
     throw ToolError(Outcome::kRefused, "standard output is what is read",
                     "Send the frames into another file.");
   }
-  return format.y4m ? openRawOutput(format, y4mFraming(format)) : openRawOutput(format);
+  return openRawOutput(format, format.y4m ? y4mFraming(format) : Framing{});
 }
 
 bool isBare(const std::string& output, bool y4m) {

@@ -10,8 +10,7 @@
 namespace KPF_TOOL {
 
 /// Writes the frames to what is standard output now, also when that is captured later.
-std::unique_ptr<PictureOutput> openRawOutput(const PictureFormat& format,
-                                             const Framing& framing = {});
+std::unique_ptr<PictureOutput> openRawOutput(const PictureFormat& format, const Framing& framing);
 
 }  // namespace KPF_TOOL
 

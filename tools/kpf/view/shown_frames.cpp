@@ -21,8 +21,8 @@ void append(LostPlaces& lost, std::uint32_t place) {
 
 }  // namespace
 
-ShownFrames::ShownFrames(ShownRecording& recording, KPF_READER::Access access)
-    : recording_(recording.now()), records_(*recording_, access) {}
+ShownFrames::ShownFrames(ShownRecording& recording)
+    : recording_(recording.now()), records_(*recording_, KPF_READER::Access::kSparse) {}
 
 ShownFrame ShownFrames::look(std::uint32_t place, bool whole) {
   ShownFrame frame;

@@ -35,8 +35,7 @@ using LostPlaces = std::vector<std::pair<std::uint32_t, std::uint32_t>>;
 class ShownFrames {
  public:
   /// Those that are there now. @throws KPF_READER::RecordingError.
-  explicit ShownFrames(ShownRecording& recording,
-                       KPF_READER::Access access = KPF_READER::Access::kSparse);
+  explicit ShownFrames(ShownRecording& recording);
 
   /// One more than the last place whose record is there.
   std::uint32_t places() const { return records_.places(); }
