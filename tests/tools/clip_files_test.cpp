@@ -116,24 +116,16 @@ TEST_F(ClipFilesTest, WhatIsThereIsKeptUntilItIsBegunByForce) {
 }
 
 TEST_F(ClipFilesTest, FilesThatAreTakenAwayAreNoWholeRecording) {
-  ClipFiles files({"./out.kpf", false, false, {}}, configuration_, captured_);
-  files.begin();
-  add(files, 'a');
-  fs::remove("out/out_0001.div");
-  files.end();
-  EXPECT_FALSE(files.clips()[0].whole);
-  EXPECT_EQ(files.clips()[0].frames, 1U);
-  captured_.drop();
-}
-
-TEST_F(ClipFilesTest, AHeaderThatIsTakenAwayIsNoWholeRecording) {
-  ClipFiles files({"./out.kpf", false, false, {}}, configuration_, captured_);
-  files.begin();
-  add(files, 'a');
-  fs::remove("out.kpf");
-  files.end();
-  EXPECT_FALSE(files.clips()[0].whole);
-  captured_.drop();
+  ClipFiles files({"./out.kpf", false, true, {}}, configuration_, captured_);
+  for (const char* const taken : {"out/out_0001.div", "out.kpf"}) {
+    files.begin();
+    add(files, 'a');
+    EXPECT_TRUE(fs::remove(taken)) << taken;
+    files.end();
+    EXPECT_FALSE(files.clips().back().whole) << taken;
+    EXPECT_EQ(files.clips().back().frames, 1U) << taken;
+    captured_.drop();
+  }
 }
 
 TEST_F(ClipFilesTest, WhatTheLibrarySaysIsTroubleAlsoWhereAllIsOnDisk) {

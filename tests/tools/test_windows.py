@@ -7,7 +7,7 @@ import subprocess
 import unittest
 
 import recordings
-from recordings import ON_WINDOWS, RecordingTest, header, run
+from recordings import RecordingTest, header, run
 
 BARE = os.environ["KPF_WITHOUT_FFMPEG"]
 
@@ -135,7 +135,6 @@ class Windows(RecordingTest):
         self.assertIn("cannot write нет/out.raw: ", err)
         self.assertIn("Make the folder first.", err)
 
-    @unittest.skipUnless(ON_WINDOWS, "a signal ends the program elsewhere")
     def test_pipe_that_nobody_reads(self):
         self.write(NAME + ".kpf", header(width=64, height=64, frames=4000))
         with open(self.path("%s/%s_0001.div" % (NAME, NAME)), "r+b") as file:
