@@ -20,12 +20,15 @@ class Overwrite(VideoTest):
                 self.read(os.path.join(folder, name))
                 for folder, _, names in os.walk(self.folder) for name in names}
 
-    def keeps(self, what, *arguments):
-        """The command is refused with `what`, and nothing is other than it was."""
-        before = self.everything()
+    def refused(self, what, *arguments):
         code, out, err = self.kpf(*arguments)
         self.assertEqual((code, out), (2, ""), (arguments, err))
         self.assertIn(what, err, arguments)
+
+    def keeps(self, what, *arguments):
+        """The command is refused with `what`, and nothing is other than it was."""
+        before = self.everything()
+        self.refused(what, *arguments)
         self.assertEqual(self.everything(), before, arguments)
 
     def test_existing_files_are_kept_unless_forced(self):
@@ -89,6 +92,28 @@ class Overwrite(VideoTest):
             self.assertEqual(done.returncode, 2, arguments)
             self.assertIn(b"is what is read", done.stderr)
         self.assertEqual(self.everything(), before)
+
+    def test_what_the_system_hides_may_be_in_the_way(self):
+        circles = ("round.kpf", "data")
+        for circle in circles:
+            os.symlink(circle, self.path(circle))
+        for name in ("round.kpf", "data.kpf", "data/new.kpf", "x" * 300 + ".kpf"):
+            for command in (("record", "eight.y4m"), ("cut", "eight.kpf")):
+                self.refused("kpf: cannot look at ", *command, name)
+                self.refused("Choose another name or another folder.\n", *command, name)
+        for circle in circles:
+            os.remove(self.path(circle))
+        self.assertEqual(self.everything(), self.before)
+
+    def test_folders_of_somebody_else_are_told(self):
+        self.give_up_rights()
+        self.addCleanup(os.chmod, self.path("eight"), 0o755)
+        os.mkdir(self.path("theirs"))
+        os.chmod(self.path("theirs"), 0)
+        denied = "kpf: cannot look at %s: Permission denied\n"
+        self.keeps(denied % "theirs/new.kpf", "record", "eight.y4m", "theirs/new.kpf")
+        os.chmod(self.path("eight"), 0)
+        self.keeps(denied % "./eight/", "record", "eight.y4m", "eight.kpf", "--force")
 
     def test_record_replaces_recordings_only(self):
         self.write("notes.txt", b"v3.0 of my notes")

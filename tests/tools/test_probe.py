@@ -294,6 +294,13 @@ class Probe(RecordingTest):
             self.assertIn("is to be two files at once", err)
         self.assertFalse(os.path.exists(self.path("a.csv")))
 
+    def test_names_that_lead_in_a_circle_are_refused(self):
+        os.symlink("round", self.path("round"))
+        for name, said in (("round", "round is there already"), ("round/a.csv", "there is no folder round")):
+            code, out, err = self.kpf("probe", "clip.kpf", *INSIDE, "--waveform", name)
+            self.assertEqual((code, out), (2, ""), name)
+            self.assertIn("kpf: %s\n" % said, err)
+
     def test_extensions_count_in_any_case(self):
         self.probe(*INSIDE, "--plot", "p.SVG", "--map", "m.Png")
         self.assertTrue(self.read("p.SVG").startswith(b"<svg"))

@@ -7,6 +7,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "tools/kpf/analysis/transform.h"
@@ -82,18 +83,27 @@ Destination destinationOf(const std::string& name, const ProbeOptions& options) 
   return {name, options.force, filesRead(options.file)};
 }
 
+/// What a name leads to, as far as the system tells.
+std::filesystem::path placeOf(const std::string& name) {
+  std::error_code unknown;
+  const std::filesystem::path absolute = std::filesystem::absolute(name, unknown);
+  const std::filesystem::path place = std::filesystem::weakly_canonical(absolute, unknown);
+  return unknown ? absolute : place;
+}
+
 /// Before all the work, not behind it.
 void checkDestinations(const ProbeOptions& options) {
   std::set<std::filesystem::path> taken;
   for (const std::string* name :
        {&options.waveform, &options.spectrum, &options.plot, &options.map}) {
     if (name->empty()) continue;
-    if (!taken.insert(std::filesystem::weakly_canonical(std::filesystem::absolute(*name))).second) {
+    if (!taken.insert(placeOf(*name)).second) {
       throw wrongUsage(fmt::format("{} is to be two files at once", escaped(*name)),
                        "Give each of them a name of its own.");
     }
     const std::filesystem::path folder = std::filesystem::path(*name).parent_path();
-    if (!folder.empty() && !std::filesystem::is_directory(folder)) {
+    std::error_code unknown;
+    if (!folder.empty() && !std::filesystem::is_directory(folder, unknown)) {
       throw ToolError(Outcome::kRefused,
                       fmt::format("there is no folder {}", escaped(folder.string())),
                       "Make it, or choose another name.");

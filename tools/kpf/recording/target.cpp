@@ -36,6 +36,19 @@ ToolError inTheWay(const std::string& problem, const std::string& advice) {
   return {Outcome::kRefused, problem, advice};
 }
 
+ToolError cannotLook(const std::string& name, const std::error_code& error) {
+  return inTheWay(fmt::format("cannot look at {}: {}", escaped(name), error.message()),
+                  "Choose another name or another folder.");
+}
+
+/// @throws ToolError where the system does not tell: what it hides may be in the way.
+fs::file_status statusOf(const std::string& name) {
+  std::error_code error;
+  const fs::file_status status = fs::status(nativePath(name), error);
+  if (status.type() == fs::file_type::none) throw cannotLook(name, error);
+  return status;
+}
+
 std::uint64_t bytesOf(const std::vector<std::string>& files) {
   std::uint64_t bytes = 0;
   for (const std::string& file : files) {
@@ -61,17 +74,18 @@ std::vector<std::string> filesOf(const std::string& header) {
   std::vector<std::string> files;
   for (const std::string& name :
        {header, KPF_FORMAT::statusFileName(header), checksumFileName(header)}) {
-    if (fs::exists(nativePath(name))) files.push_back(name);
+    if (fs::exists(statusOf(name))) files.push_back(name);
   }
   const auto names = KPF_FORMAT::dataNames(KPF_FORMAT::withoutExtension(header).value_or(header));
-  const fs::path folder = nativePath(names.folder);
-  if (!fs::is_directory(folder)) return files;
-  for (const auto& entry : fs::directory_iterator(folder)) {
+  if (!fs::is_directory(statusOf(names.folder))) return files;
+  std::error_code error;
+  for (const auto& entry : fs::directory_iterator(nativePath(names.folder), error)) {
     const std::string name = entry.path().filename().string();
     if (KPF_FORMAT::divFileNumber({"", names.base}, name) != 0) {
       files.push_back(entry.path().string());
     }
   }
+  if (error) throw cannotLook(names.folder, error);
   return files;
 }
 

@@ -16,7 +16,7 @@ namespace KPF_TOOL {
 std::string headerPath(const std::string& output);
 
 /// Files of a recording of that name that are there: header, data files, status file,
-/// checksums.
+/// checksums. @throws ToolError where the system does not tell.
 std::vector<std::string> filesOf(const std::string& header);
 
 /// Sees that nothing is in the way that may not be replaced, and removes nothing.
