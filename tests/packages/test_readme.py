@@ -43,28 +43,20 @@ class Readme(ScratchSystem):
             file.chmod(0o755)
         (self.folder / "scripts").symlink_to(self.stand_ins)
 
-    def test_installing_compiling_and_running(self):
+    def test_the_lines_one_after_the_other_in_one_folder(self):
+        """What one of them leaves is not in the way of the next."""
+        (self.folder / "rows.py").write_text(block_after("From Python", "python"))
         lines = block_after("Installing", "sh")
         self.assertIn("ldconfig", lines)
-        self.run_as_root(lines + "./program", [self.stand_ins])
+        self.run_as_root("\n".join((
+            lines + "./program", block_after(FROM_C, "sh") + "mv frame.pgm of_c.pgm",
+            "/usr/bin/python3 rows.py")), [self.stand_ins])
         self.assertEqual((self.folder / "clip.kpf").stat().st_size, 2998)
         self.assertFalse((self.folder / "clip.kpf.incomplete.txt").exists())
-
-    def test_the_lines_for_c_show_a_frame(self):
-        install = [line for line in block_after("Installing", "sh").splitlines() if "install" in line]
-        self.run_as_root("\n".join(install) + "\n" + block_after(FROM_C, "sh"), [self.stand_ins])
         white, black = b"\xff" * 640, bytes(640)
-        self.assertEqual((self.folder / "frame.pgm").read_bytes(),
-                         b"P5 640 480 255\n" + white * 101 + black * 379)
-
-    def test_the_lines_for_python_show_a_frame(self):
-        (self.folder / "rows.py").write_text(block_after("From Python", "python"))
-        # In the folder where those for C were tried: what they left is not in the way.
-        self.run_as_root("cmake --install build/release\nldconfig\n" + block_after(FROM_C, "sh") +
-                         "rm frame.pgm\n/usr/bin/python3 rows.py\n", [self.stand_ins])
-        white, black = b"\xff" * 640, bytes(640)
-        self.assertEqual((self.folder / "frame.pgm").read_bytes(),
-                         b"P5 640 480 255\n" + white * 101 + black * 379)
+        for name in ("of_c.pgm", "frame.pgm"):
+            self.assertEqual((self.folder / name).read_bytes(),
+                             b"P5 640 480 255\n" + white * 101 + black * 379, name)
 
     def test_the_target_uninstall_leaves_nothing(self):
         self.run_as_root("cmake --install build/release; test -e /usr/local/include/vlm_internal.h\n"
