@@ -32,9 +32,6 @@ class MediaInput(VideoTest):
         data = self.read("%s/%s_0001.div" % (name, name))
         return [data[n + 16:n + 16 + size] for n in range(0, len(data), 16 + size)]
 
-    def announced(self, name="out.kpf"):
-        return struct.unpack_from("<I", self.read(name), 468)[0]
-
     def record_piped(self, data, *arguments):
         done = subprocess.run([KPF, "record", "-", "out.kpf", *arguments, *self.start],
                               cwd=self.folder, input=data, capture_output=True, timeout=60,

@@ -1,5 +1,6 @@
 """Videos made by hand: YUV4MPEG2 files of grey frames."""
 import json
+import os
 import shutil
 import struct
 import subprocess
@@ -41,6 +42,15 @@ class VideoTest(RecordingTest):
         code, out, err = self.kpf("record", *arguments, *self.start)
         self.assertEqual((code, err), (0, ""), out)
         return out
+
+    def announced(self, name="out.kpf"):
+        return struct.unpack_from("<I", self.read(name), 468)[0]
+
+    def check_complete(self, frames):
+        self.assertEqual(self.announced(), frames)
+        self.assertFalse(os.path.exists(self.path("out.kpf.incomplete.txt")))
+        code, _, err = self.kpf("verify", "out.kpf")
+        self.assertEqual((code, err), (0, ""))
 
     def frame_times(self, name):
         """When each frame of a video is shown, in seconds, as another program reads it."""
