@@ -4,8 +4,10 @@ What kpf view reaches in a browser without a screen, on a sparse recording of 4 
 12 bits; and what a map of the whole picture takes, by PROBING_BENCH. FOLDER (or TMPDIR) takes the
 recording, of which next to nothing is on disk.
 """
+import concurrent.futures
 import contextlib
 import http.client
+import itertools
 import json
 import os
 import pathlib
@@ -23,6 +25,7 @@ WIDTH, HEIGHT, RATE, FRAMES = 1280, 1024, 100, 2184
 SHORT = FRAMES // 16  # frames of the recording that memory is compared with
 RECORD = 16 + WIDTH * HEIGHT * 3 // 2
 PER_FILE = 2147483647 // RECORD
+BATCH, LANES = 4, 3  # frames in a request, requests under way: as player.js asks
 
 SEEK = """const [places, done] = arguments, times = [];
 const field = document.getElementById('frame');
@@ -54,7 +57,7 @@ r.dispatchEvent(new Event('change'));"""
 
 
 def row(what, value, must="", reached=True):
-    print("%-62s %-24s %s%s" % (what, value, must, "" if reached else "  MISSED"), flush=True)
+    print("%-64s %-24s %s%s" % (what, value, must, "" if reached else "  MISSED"), flush=True)
 
 
 def make_recording(folder, name, frames):
@@ -91,18 +94,26 @@ def memory(server):
     return int(values["RssAnon"].split()[0]) / 1000
 
 
-def serve(address, frames, seconds=3):
-    """Frames with all their bits a second, over one connection."""
+def ask(address, places, until):
+    """Frames with all their bits over one connection, as long as there is time. @return bytes."""
     host, path = address.split("/", 3)[2:]
     connection = http.client.HTTPConnection(host, timeout=60)
-    buffer, received, place = bytearray(1 << 20), 0, 0
-    began = time.perf_counter()
-    while time.perf_counter() - began < seconds:
-        connection.request("GET", "/%sapi/frames?from=%d&count=8" % (path, place))
+    buffer, received = bytearray(1 << 20), 0
+    while time.perf_counter() < until:
+        connection.request("GET", "/%sapi/frames?from=%d&count=%d" % (path, next(places), BATCH))
         response = connection.getresponse()
         while got := response.readinto(buffer):
             received += got
-        place = (place + 8) % (frames - 8)
+    connection.close()
+    return received
+
+
+def serve(address, frames, lanes=LANES, seconds=3):
+    """Frames a second over so many connections at once, each asking for what comes next."""
+    places = itertools.cycle(range(0, frames - BATCH, BATCH))  # its next one is one step: threads may share it
+    began = time.perf_counter()
+    with concurrent.futures.ThreadPoolExecutor(lanes) as threads:
+        received = sum(threads.map(lambda _: ask(address, places, began + seconds), range(lanes)))
     return received // (64 + WIDTH * HEIGHT * 2) / (time.perf_counter() - began)
 
 
@@ -147,9 +158,11 @@ def measure_server(kpf, folder):
         with served(kpf, folder, name) as (address, server):
             rate = serve(address, frames)
             held.append(memory(server))
-        if name == "clip":
-            row("server alone, 12-bit frames unpacked and sent", "%.0f frames/s" % rate, "at least 300", rate >= 300)
-            row("memcpy of the same bytes", "%.0f frames/s" % copy())
+            if name == "clip":
+                row("server alone, 12-bit frames unpacked and sent, as the page asks", "%.0f frames/s" % rate,
+                    "at least 300", rate >= 300)
+                row("the same over one connection", "%.0f frames/s" % serve(address, frames, lanes=1))
+                row("memcpy of the same bytes", "%.0f frames/s" % copy())
     row("memory of the server, %d and %d frames" % (FRAMES, SHORT), "%.0f MB, %.0f MB" % tuple(held), "flat",
         held[0] < 1.5 * held[1] + 20)
 

@@ -1,6 +1,7 @@
 #include "tools/kpf/view/view.h"
 
 #include <fmt/format.h>
+#include <malloc.h>
 #include <poll.h>
 
 #include <cstdio>
@@ -13,8 +14,21 @@
 #include "tools/kpf/view/server.h"
 
 namespace KPF_TOOL {
+namespace {
+
+/// glibc keeps what a thread gives back for that thread. A browser's connections come and go, and
+/// each of sixteen threads would hold an answer's pictures; of one store the next one gets them,
+/// which also spares it the faults of fresh memory.
+void shareMemoryAmongThreads() {
+#ifdef M_ARENA_MAX
+  mallopt(M_ARENA_MAX, 1);
+#endif
+}
+
+}  // namespace
 
 Outcome view(const ViewOptions& options) {
+  shareMemoryAmongThreads();
   const Interrupt interrupt;
   PageAnswer answer(options);
   const Server server(options.port,
