@@ -16,6 +16,11 @@ const [x, y] = [0, 1].map((i) => Math.round((arguments[i] + 0.5 - [left, top][i]
 const [red, green, blue, alpha] = canvas.getContext('2d').getImageData(x, y, 1, 1).data;
 return Math.round(Math.max(red, green, blue) * alpha / 255);"""
 
+# Whether all of an element shows in the column of tools, without scrolling.
+IN_SIGHT = """const [tools, box] = [document.querySelector('aside'), document.getElementById(arguments[0])]
+    .map((element) => element.getBoundingClientRect());
+return box.height > 0 && box.top >= tools.top && box.bottom <= tools.bottom;"""
+
 
 class Vibration(BrowserTest):
     def setUp(self):
@@ -49,6 +54,8 @@ class Vibration(BrowserTest):
         self.assertEqual(self.text("region-size"), "15 × 15 at 153, 113")
         frequency = float(peak.text.split()[0])
         self.assertAlmostEqual(frequency, 5, delta=BIN)
+        for name in ("waveform", "spectrum", "peaks"):
+            self.assertTrue(self.js(IN_SIGHT, name), name)
         peak.click()
         self.until("return document.querySelector('canvas.picture').dataset.place === '105'")
         self.assertAlmostEqual(self.frequency(), frequency, delta=0.01)

@@ -52,6 +52,7 @@ export class Vibration {
       this.onbox?.(result.box); // a click stands for the samples around it
       this.chooseSignal();
       this.draw();
+      $('vibration').scrollIntoView({ block: 'nearest' }); // low windows end above it
     } catch (error) {
       if (asked === this.asked) this.tell(error.message);
     }
