@@ -45,6 +45,19 @@ std::size_t sizeOf(const Descriptor& file, const std::string& path) {
   return static_cast<std::size_t>(size);
 }
 
+/// Hints only: what they return changes nothing.
+void adviseOn(void* mapping, std::size_t size, Access access) {
+  if (access == Access::kSparse) {
+    madvise(mapping, size, MADV_RANDOM);
+    return;
+  }
+  madvise(mapping, size, MADV_SEQUENTIAL);
+#ifdef MADV_HUGEPAGE
+  // Read and mapped by 2 MiB where the file system can: one page fault instead of dozens.
+  madvise(mapping, size, MADV_HUGEPAGE);
+#endif
+}
+
 }  // namespace
 
 MappedFile::MappedFile(const std::string& path, Access access) {
@@ -53,8 +66,7 @@ MappedFile::MappedFile(const std::string& path, Access access) {
   if (size_ == 0) return;
   void* const mapping = mmap(nullptr, size_, PROT_READ, MAP_SHARED, file.get(), 0);
   if (mapping == MAP_FAILED) fail(path);
-  // A hint only: what it returns changes nothing.
-  madvise(mapping, size_, access == Access::kSequential ? MADV_SEQUENTIAL : MADV_RANDOM);
+  adviseOn(mapping, size_, access);
   data_ = static_cast<const unsigned char*>(mapping);
 }
 
