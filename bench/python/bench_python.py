@@ -112,6 +112,8 @@ def touch_bytes(path, shape):
     with open(path.with_suffix("") / f"{path.stem}_0001.div", "rb") as file:
         mapping = mmap.mmap(file.fileno(), 0, access=mmap.ACCESS_READ)
     mapping.madvise(mmap.MADV_SEQUENTIAL)
+    if hasattr(mmap, "MADV_HUGEPAGE"):
+        mapping.madvise(mmap.MADV_HUGEPAGE)
     stored = np.frombuffer(mapping, np.uint8)
     began = time.perf_counter()
     for at in range(16, stored.size, 16 + size):

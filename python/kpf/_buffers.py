@@ -30,6 +30,13 @@ def _large(shape: tuple[int, ...], dtype: Any) -> numpy.ndarray[Any, Any]:
     return numpy.ndarray(shape, dtype, buffer=memory)
 
 
+# Buffers of the iteration that ended last, by what they are for: at most one entry.
+_spare: dict[Any, list[numpy.ndarray[Any, Any]]] = {}
+
+# Larger ones are not kept when nobody iterates.
+_MOST_SPARE = 64 << 20
+
+
 class Buffers:
     """Arrays of one shape, handed out anew once nobody looks at them.
 
@@ -39,8 +46,9 @@ class Buffers:
 
     def __init__(self, shape: tuple[int, ...], dtype: Any) -> None:
         self._shape, self._dtype = shape, dtype
+        self._spare = _spare  # at exit the module may be gone before an iteration is
         # Two, since the last frame is still in its caller's hands when the next is asked for.
-        self._kept = [_large(shape, dtype), _large(shape, dtype)]
+        self._kept = _spare.pop((shape, dtype), None) or [_large(shape, dtype), _large(shape, dtype)]
 
     def take(self) -> numpy.ndarray[Any, Any]:
         for at in range(len(self._kept)):
@@ -49,3 +57,11 @@ class Buffers:
         # Frames are being kept, and each takes no more than it needs.
         self._kept = [self._kept[1], numpy.empty(self._shape, self._dtype)]
         return self._kept[1]
+
+    def leave(self) -> None:
+        """Nothing more is taken here: the next iteration may have them, as far as nobody keeps
+        them."""
+        kept, self._kept = self._kept, []
+        if sum(array.nbytes for array in kept) <= _MOST_SPARE:
+            self._spare.clear()
+            self._spare[self._shape, self._dtype] = kept

@@ -79,8 +79,16 @@ class Pictures:
 
     def iterate(self, places: Sequence[int]) -> Iterator[Array]:
         """Frame by frame, in memory that is used again where nobody keeps it."""
-        unpacked = self.stored_dtype == numpy.uint16
-        buffers = Buffers(self.shape, self.stored_dtype) if unpacked else None
+        if self.stored_dtype != numpy.uint16:
+            yield from self._walk(places, None)
+            return
+        buffers = Buffers(self.shape, self.stored_dtype)
+        try:
+            yield from self._walk(places, buffers)
+        finally:
+            buffers.leave()
+
+    def _walk(self, places: Sequence[int], buffers: Buffers | None) -> Iterator[Array]:
         behind = self._behind()
         for place in places:
             frame = self.reader.frame(place)

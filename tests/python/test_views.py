@@ -1,5 +1,6 @@
 """Views into the mapped file, and what keeps them alive."""
 import gc
+import sys
 
 import numpy as np
 import pytest
@@ -95,3 +96,40 @@ def test_unpacked_frames_that_nobody_keeps_share_memory(tmp_path):
     rec = kpf.open(recordings.make(tmp_path, records, width=4, height=2, bits=12))
     addresses = {frame.__array_interface__["data"][0] for frame in rec}
     assert len(addresses) <= 2
+
+
+def twelve_bits(folder, count=20):
+    records = [recordings.record(n, bytes([n, 0, n] * 4)) for n in range(count)]
+    return recordings.make(folder, records, width=4, height=2, bits=12)
+
+
+def address(frame):
+    return frame.__array_interface__["data"][0]
+
+
+def test_the_next_iteration_gets_the_memory_of_the_last(tmp_path):
+    path = twelve_bits(tmp_path)
+    first = {address(frame) for frame in kpf.open(path)}
+    half = kpf.open(path)[:10]
+    for frame in half:
+        break  # left before its end
+    del frame
+    assert {address(frame) for frame in kpf.open(path)} == first
+
+
+def test_frames_outlive_the_next_iteration(tmp_path):
+    path = twelve_bits(tmp_path)
+    *_, before, last = kpf.open(path)
+    row = before[0]
+    del before
+    for _ in range(2):
+        for frame in kpf.open(path)[:5]:
+            assert address(frame) not in (address(last), address(row))
+    assert int(last[1, 1]) == 16 * 19 and int(row[1]) == 16 * 18
+
+
+def test_very_large_buffers_are_not_kept():
+    buffers = Buffers((5000, 5000), np.uint16)
+    held = sys.getrefcount(picture := buffers.take())
+    buffers.leave()
+    assert sys.getrefcount(picture) == held - 1
