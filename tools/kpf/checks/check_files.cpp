@@ -110,7 +110,7 @@ std::string withoutCarriageReturns(std::string text) {
 
 std::string shortfallText(const Recording& recording, bool hasStatus) {
   const std::uint32_t announced = recording.header().frameCount;
-  const std::string frames =
+  std::string frames =
       announcesCount(recording.header())
           ? fmt::format("{} of {} announced frames are there", recording.recordCount(), announced)
           : fmt::format("{} on disk, and the recorder never told how many there would be",

@@ -43,9 +43,9 @@ class Drawing : public PlotSurface {
 
   /// A dot for every pixel along the longer axis.
   void stroke(const PlotPoint& from, const PlotPoint& to, unsigned char grey) {
-    const double steps =
-        std::ceil(std::max({std::abs(to.x - from.x), std::abs(to.y - from.y), 1.}));
-    for (double step = 0; step <= steps; ++step) {
+    const auto steps = static_cast<int>(
+        std::ceil(std::max({std::abs(to.x - from.x), std::abs(to.y - from.y), 1.})));
+    for (int step = 0; step <= steps; ++step) {
       canvas.dot(static_cast<unsigned>(std::lround(from.x + (to.x - from.x) * step / steps)),
                  static_cast<unsigned>(std::lround(from.y + (to.y - from.y) * step / steps)), grey);
     }

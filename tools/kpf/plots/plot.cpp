@@ -75,8 +75,10 @@ void drawPlot(const Plot& plot, double left, double top, PlotSurface& surface) {
 
 void drawPlots(const std::vector<Plot>& plots, PlotSurface& surface) {
   for (std::size_t i = 0; i < plots.size(); ++i) {
-    drawPlot(plots[i], static_cast<double>(i % 2) * kPlotWidth,
-             static_cast<double>(i / 2) * kPlotHeight, surface);
+    const std::size_t column = i % 2;
+    const std::size_t row = i / 2;
+    drawPlot(plots[i], static_cast<double>(column) * kPlotWidth,
+             static_cast<double>(row) * kPlotHeight, surface);
   }
 }
 
