@@ -1,11 +1,12 @@
-"""Videos made by hand: YUV4MPEG2 files of grey frames."""
+"""Videos and pictures made by hand."""
 import json
 import os
 import shutil
 import struct
 import subprocess
+import zlib
 
-from recordings import RecordingTest
+from recordings import KPF, RecordingTest
 
 FFPROBE = shutil.which("ffprobe")
 
@@ -20,6 +21,19 @@ def y4m(frames, width, height, rate=25, bits=8):
 
 def ramp(number, count, step=1, limit=256):
     return [(number * 7 + i * step) % limit for i in range(count)]
+
+
+def png(rows, width, height, colour_type, palette=b""):
+    """A picture of 8 bits a sample; its rows are bytes."""
+    def chunk(kind, data):
+        return struct.pack(">I", len(data)) + kind + data + struct.pack(
+            ">I", zlib.crc32(kind + data))
+    size = len(rows) // height
+    lines = b"".join(b"\0" + rows[y * size:(y + 1) * size] for y in range(height))
+    return (b"\x89PNG\r\n\x1a\n"
+            + chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, colour_type, 0, 0, 0))
+            + (chunk(b"PLTE", palette) if palette else b"")
+            + chunk(b"IDAT", zlib.compress(lines)) + chunk(b"IEND", b""))
 
 
 class VideoTest(RecordingTest):
@@ -58,3 +72,15 @@ class VideoTest(RecordingTest):
                               "frame=best_effort_timestamp_time", "-of", "json", name],
                              cwd=self.folder, capture_output=True, check=True, timeout=60).stdout
         return [float(frame["best_effort_timestamp_time"]) for frame in json.loads(out)["frames"]]
+
+
+class MediaInput(VideoTest):
+    def frames(self, name="out", size=24):
+        data = self.read("%s/%s_0001.div" % (name, name))
+        return [data[n + 16:n + 16 + size] for n in range(0, len(data), 16 + size)]
+
+    def record_piped(self, data, *arguments):
+        done = subprocess.run([KPF, "record", "-", "out.kpf", *arguments, *self.start],
+                              cwd=self.folder, input=data, capture_output=True, timeout=60,
+                              check=False)
+        return done.returncode, done.stdout.decode(), done.stderr.decode()
