@@ -1,9 +1,13 @@
 """kpf without a job: help, version, wrong usage."""
 import os
+import pathlib
+import re
 import subprocess
 import unittest
 
 from recordings import KPF, RecordingTest, header
+
+PAGE = (pathlib.Path(__file__).resolve().parents[2] / "docs" / "tool.md").read_text(encoding="utf-8")
 
 
 class CommandLine(RecordingTest):
@@ -12,12 +16,19 @@ class CommandLine(RecordingTest):
         self.assertEqual((code, err), (0, ""))
         self.assertRegex(out, r"^kpf \d+\.\d+\.\d+\n$")
 
-    def test_help_names_every_command_and_hides_the_demos_own(self):
+    def commands(self):
         code, out, err = self.kpf("--help")
         self.assertEqual((code, err), (0, ""))
-        for command in ("record", "info", "verify", "export", "amplify"):
-            self.assertIn("\n  " + command + " ", out)
-        self.assertNotIn("sheet", out)
+        return re.findall(r"^  (\w+) ", out.split("Subcommands:\n", 1)[1], re.M)
+
+    def test_help_and_page_name_every_command_but_the_demos_own(self):
+        self.assertEqual(sorted(self.commands()), sorted(re.findall(r"^\| `kpf (\w+)", PAGE, re.M)))
+        self.assertNotIn("sheet", self.commands())
+
+    def test_page_tells_which_commands_have_json(self):
+        told = PAGE.split(" have `--json`")[0].rsplit(". ", 1)[1]
+        self.assertEqual(re.findall(r"`(\w+)`", told),
+                         [one for one in self.commands() if "--json" in self.kpf(one, "--help")[1]])
 
     @unittest.skipUnless(os.path.exists("/dev/full"), "needs a device that is always full")
     def test_results_that_cannot_be_written_are_no_success(self):
