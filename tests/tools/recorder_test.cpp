@@ -153,11 +153,11 @@ TEST_F(RecorderTest, StopsBetweenTwoFrames) {
   EXPECT_EQ(source.given(), 2U);
 }
 
-TEST_F(RecorderTest, NothingIsRecordedAfterAWishToStop) {
-  ScriptedSource source({0.0});
+TEST_F(RecorderTest, TheFrameThatIsThereIsRecordedHoweverEarlyTheWishToStop) {
+  ScriptedSource source({0.0, 0.1});
   stopAt_ = 0;
-  record(source, 1);
-  EXPECT_EQ(stream_.records, "");
+  record(source, 2);
+  EXPECT_EQ(stream_.records, "1");
   EXPECT_EQ(source.given(), 1U);
 }
 

@@ -15,15 +15,16 @@ Recorder::Recorder(FrameSource& input, RecordStream& stream, std::uint64_t frame
       stride_(paddedRow(input.rowSize())),
       image_(stride_ * input.height()) {}
 
+// The first frame is there already: a recording of no frames, in the place of an older one, is
+// nothing that anybody wanted when they stopped.
 void Recorder::run(const std::function<bool()>& stop,
                    const std::function<void(std::uint64_t)>& progress) {
-  while (!stop()) {
+  do {
     fillUpTo(timeline_.placeOf(input_.time()), stop);
-    if (written_ == frames_ || stop()) break;
+    if (written_ == frames_ || (written_ > 0 && stop())) return;
     addFrame();
     progress(written_);
-    if (written_ == frames_ || stop() || !input_.next()) break;
-  }
+  } while (written_ < frames_ && !stop() && input_.next());
 }
 
 /// A frame that is not what the camera saw is worse than none.

@@ -22,7 +22,7 @@ class Recorder {
   Recorder(FrameSource& input, RecordStream& stream, std::uint64_t frames,
            const Timeline& timeline);
 
-  /// @param stop asked before each record.
+  /// @param stop asked before each record but the first, which is there already.
   /// @param progress told the records written, after each frame.
   void run(const std::function<bool()>& stop, const std::function<void(std::uint64_t)>& progress);
 
