@@ -124,6 +124,23 @@ class Damage(MediaInput):
         self.assertEqual(self.announced(), 30)
         self.assertEqual(self.kpf("verify", "out.kpf")[0], 0)
 
+    def test_a_transport_stream_that_ends_within_a_packet(self):
+        self.encode("v.ts", "-c:v", "mpeg2video")
+        whole = self.read("v.ts")
+        # Whoever tunes in late begins anywhere.
+        for data in (whole, whole[100:]):
+            self.write("v.ts", data)
+            self.assertEqual(self.kpf("record", "v.ts", "out.kpf", "--force", *self.start)[0], 0)
+        frames = set()
+        for size in range(len(whole) // 2 // 188 * 188 + 20, len(whole), len(whole) // 12):
+            if size % 188 == 0:
+                continue
+            code, _, err = self.record_piped(whole[:size], "--force")
+            self.assertEqual(code, 1, size)
+            self.assertRegex(err, "damaged|- ends within a packet")
+            frames.add(self.announced())
+        self.assertGreater(len(frames), 3)
+
 
 class PixelFormats(MediaInput):
     """Each frame by its own format and range."""

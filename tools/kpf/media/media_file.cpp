@@ -167,6 +167,7 @@ bool MediaFile::read(AVPacket& packet) {
 void MediaFile::note(const AVPacket& packet) {
   if (packet.stream_index == stream_) ++packets_;
   bytes_ = std::max(bytes_, packet.pos + packet.size);
+  newest_ = packet.pos;
   if (packet.pts == AV_NOPTS_VALUE) return;
   const double end = static_cast<double>(packet.pts + packet.duration) *
                      av_q2d(format_->streams[packet.stream_index]->time_base);
@@ -175,6 +176,19 @@ void MediaFile::note(const AVPacket& packet) {
   const bool before0 = format_->start_time != AV_NOPTS_VALUE && format_->start_time < 0;
   const double start = before0 ? static_cast<double>(format_->start_time) / AV_TIME_BASE : 0;
   end_ = std::max(end_, end - start);
+}
+
+/// What the input ends in the midst of, where FFmpeg drops that without a word; else null.
+const char* MediaFile::tornPart() const {
+  const std::string_view container(format_->iformat->name);
+  if (container == "yuv4mpegpipe" && avio_tell(format_->pb) > bytes_) return "frame";
+  // All packets of a transport stream have one size, and it may begin within any of them.
+  std::int64_t size = 0;
+  if (container != "mpegts" || newest_ < 0 ||
+      av_opt_get_int(format_->priv_data, "ts_packetsize", 0, &size) < 0 || size <= 0) {
+    return nullptr;
+  }
+  return (avio_tell(format_->pb) - newest_) % size != 0 ? "packet" : nullptr;
 }
 
 /// Not every end is one: the disk may fail, and a damaged container may lead nowhere.
@@ -188,10 +202,8 @@ void MediaFile::noteEnd(int result) {
   } else if (result != AVERROR_EOF && images_ == 0) {
     trouble_ =
         fmt::format("{} cannot be read any further: {}", escaped(name_), ffmpegError(result));
-  } else if (std::string_view(format_->iformat->name) == "yuv4mpegpipe" &&
-             avio_tell(format_->pb) > bytes_) {
-    // Of these FFmpeg drops what is less than a frame.
-    trouble_ = fmt::format("{} ends within a frame", escaped(name_));
+  } else if (const char* const torn = tornPart()) {
+    trouble_ = fmt::format("{} ends within a {}", escaped(name_), torn);
   } else if (format_->duration > 0 && frameRate_ > 0 &&
              format_->duration_estimation_method == AVFMT_DURATION_FROM_STREAM) {
     const double announced = announcedSeconds(*format_, stream());

@@ -43,6 +43,7 @@ class MediaFile {
   void findVideo();
   void note(const AVPacket& packet);
   void noteEnd(int result);
+  const char* tornPart() const;
 
   struct CloseIo {
     void operator()(AVIOContext* io) const { avio_close(io); }
@@ -59,6 +60,7 @@ class MediaFile {
   std::uint64_t images_ = 0;  // numbers from the first image to the last; 0 for anything else
   double end_ = 0;            // of the latest packet of any stream, in seconds
   std::int64_t bytes_ = 0;    // up to the end of the latest packet
+  std::int64_t newest_ = -1;  // where the latest packet begins; -1 where nobody knows
   std::string trouble_;
 };
 
