@@ -72,6 +72,17 @@ TEST(CameraClockTest, WhatTheCamerasClockLosesIsTold) {
   EXPECT_NEAR(clock.drift(), 0.00288, 1e-9);
 }
 
+TEST(CameraClockTest, TheSwiftestOfTheFirst32TellsTheDelay) {
+  CameraClock clock(ClockKind::kCamera, 100);
+  // All are held up by 5 ms but the first of each 32, from the second 32 on by 2 ms.
+  for (std::uint64_t i = 0; i < 64; ++i) {
+    const std::uint64_t delay = i == 0 ? 0 : i == 32 ? 2 : 5;
+    clock.timeOf(i,
+                 frameAt(1 + i * 10 * kMillisecond, kStart + (i * 10 + 3 + delay) * kMillisecond));
+  }
+  EXPECT_NEAR(clock.drift(), 0.002, 1e-9);
+}
+
 TEST(CameraClockTest, DelaysAloneAreNoDrift) {
   CameraClock clock(ClockKind::kCamera, 100);
   for (std::uint64_t i = 0; i < 320; ++i) {

@@ -8,7 +8,7 @@ using KPF_TOOL::nearestWord;
 
 TEST(NearestWord, IsTwoSlipsAwayAtMost) {
   for (const char* written :
-       {"export", "exprot", "xport", "exxport", "expirt", "Exports", "eport"}) {
+       {"export", "exprot", "xport", "exxport", "expirt", "Exports", "eport", "xeprot"}) {
     EXPECT_EQ(nearestWord(written, {"record", "export"}), "export") << written;
   }
   for (const char* written : {"", "e", "exp", "import2", "repxto"}) {

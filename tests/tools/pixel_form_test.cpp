@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -50,6 +51,19 @@ TEST_F(PixelFormTest, Mono12pHasItsBytesInAnotherOrder) {
   // Low byte of the first, the high four bits of it below the low four of the second, high byte of
   // the second.
   EXPECT_EQ(packed("Mono12p", {0xBC, 0x3A, 0x12, 0xED, 0x1F, 0x00}), wanted_);
+}
+
+TEST_F(PixelFormTest, Mono12pIsPackedToItsLastPixel) {
+  PixelPacker packer(*pixelForm("Mono12p"), 6, 4);
+  const Bytes frame(36, 0x5A);
+  Bytes record(16 + 36 + 1, 0);
+  packer.pack(frame.data(), record.data());
+  Bytes wanted(16 + 36 + 1, 0);
+  for (std::size_t i = 16; i + 1 < wanted.size(); i += 3) {  // 0xA5A and 0x5A5
+    wanted[i] = 0xA5;
+    wanted[i + 1] = wanted[i + 2] = 0x5A;
+  }
+  EXPECT_EQ(record, wanted);
 }
 
 TEST_F(PixelFormTest, Mono12PackedIsWhatARecordHas) {

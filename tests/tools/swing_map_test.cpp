@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstddef>
 #include <functional>
+#include <random>
 #include <tuple>
 #include <vector>
 
@@ -96,6 +97,19 @@ TEST(SwingMap, AmplitudeOfEachPixel) {
   EXPECT_NEAR(twelve[1], 10, 0.2);
 }
 
+TEST(SwingMap, ADriftIsNoSlowSwing) {
+  const PictureLayout layout{2, 1, Samples::k8Bit};
+  std::vector<Frame> frames;
+  for (std::size_t n = 0; n < 200; ++n) {
+    frames.push_back({static_cast<unsigned char>(std::lround(swing(1, kRate, n, 20, 100))),
+                      static_cast<unsigned char>(n)});
+  }
+  SwingMap map(layout, Stretches::of(200), kRate, {1});  // two cycles of it
+  feed(frames, layout, map);
+  EXPECT_NEAR(map.amplitudes(0).values[0], 20, 1);
+  EXPECT_NEAR(map.amplitudes(0).values[1], 0, 0.1);
+}
+
 TEST(SwingMap, SixteenBitsKeepTheirFractions) {
   const PictureLayout layout{1, 1, Samples::k16Bit};
   std::vector<Frame> frames;
@@ -161,6 +175,44 @@ TEST(Candidates, FindTheMotionOfTheDisc) {
     ASSERT_EQ(found.size(), 1U) << hertz;
     EXPECT_NEAR(found[0], hertz, kRate / 300 / 4);
   }
+}
+
+constexpr PictureLayout kSquare{16, 16, Samples::k8Bit};
+
+/// Pixels under noise, the first of which swing, at 20 Hz.
+std::vector<Frame> noisePixels(std::size_t swinging, double amplitude) {
+  std::mt19937 random(7);
+  std::normal_distribution<double> noise(100, 3);
+  std::vector<Frame> frames;
+  for (std::size_t n = 0; n < 400; ++n) {
+    Frame frame;
+    for (std::size_t pixel = 0; pixel < kSquare.pixelCount(); ++pixel) {
+      const double level = swing(20, kRate, n, pixel < swinging ? amplitude : 0, noise(random));
+      frame.push_back(static_cast<unsigned char>(std::lround(level)));
+    }
+    frames.push_back(frame);
+  }
+  return frames;
+}
+
+TEST(Candidates, HaveTheMeanOfAllPixels) {
+  Candidates candidates(kSquare, Stretches::of(400), kRate);
+  feed(noisePixels(64, 40), kSquare, candidates);
+  const auto spectrum = candidates.spectrum();
+  const double highest = *std::max_element(spectrum.amplitudes.begin(), spectrum.amplitudes.end());
+  EXPECT_NEAR(highest, 20, 0.3);  // a quarter of the power is half the amplitude
+}
+
+TEST(Candidates, NeedNotStandFarAboveTheNoise) {
+  Candidates candidates(kSquare, Stretches::of(400), kRate);
+  feed(noisePixels(kSquare.pixelCount(), 0.4), kSquare, candidates);
+  std::vector<double> amplitudes = candidates.spectrum().amplitudes;
+  const double highest = *std::max_element(amplitudes.begin(), amplitudes.end());
+  std::nth_element(amplitudes.begin(), amplitudes.begin() + 100, amplitudes.end());
+  EXPECT_LT(highest, 1.7 * amplitudes[100]);
+  const auto found = candidates.frequencies(6);
+  ASSERT_EQ(found.size(), 1U);
+  EXPECT_NEAR(found[0], 20, 0.1);
 }
 
 TEST(Candidates, OfAStillSceneAreNone) {

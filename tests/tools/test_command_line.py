@@ -80,6 +80,7 @@ class CommandLine(RecordingTest):
         done = subprocess.run(["sh", "-c", 'exec "$0" record - out.kpf <&-', KPF],
                               cwd=self.folder, timeout=60, capture_output=True, check=False)
         self.assertEqual((done.returncode, done.stdout), (2, b""))
+        self.assertIn(b"kpf: cannot open -: Bad file descriptor\n", done.stderr)
         self.assertFalse(os.path.exists(self.path("out.kpf")))
 
     def test_wrong_usage(self):

@@ -50,6 +50,13 @@ class Events(VideoTest):
         self.assertEqual(self.kpf("info", "out.kpf")[0], 0)
         self.assertFalse(os.path.exists(self.path("out.kpf.incomplete.txt")))
 
+    def test_what_the_disk_has_no_room_for_is_not_waited_for(self):
+        self.video(self.dark)
+        code, out, err = self.kpf("record", "scene.y4m", "out.kpf", "--before", "3", "--after",
+                                  "999999999")
+        self.assertEqual((code, out), (2, ""))
+        self.assertIn("kpf: the recording takes 4.1 TB, the disk has room for ", err)
+
     def test_every_event_gets_the_next_free_number(self):
         event = [self.dark] * 40 + [self.bright]
         self.video(*event, *event, *event)
