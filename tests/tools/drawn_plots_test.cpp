@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <vector>
 
@@ -11,13 +12,12 @@ using namespace KPF_TOOL;
 
 constexpr unsigned char kCurve = 220;
 
-/// The columns, or else the rows, that have a dot of the curve.
-std::vector<bool> reached(const Canvas& canvas, bool columns) {
+/// The columns, or else the rows, that have a dot of that grey.
+std::vector<bool> reached(const Canvas& canvas, bool columns, unsigned char grey = kCurve) {
   std::vector<bool> found(columns ? canvas.width() : canvas.height());
   for (unsigned y = 0; y < canvas.height(); ++y) {
     for (unsigned x = 0; x < canvas.width(); ++x) {
-      if (canvas.rows()[std::size_t{y} * canvas.width() + x] == kCurve)
-        found[columns ? x : y] = true;
+      if (canvas.rows()[std::size_t{y} * canvas.width() + x] == grey) found[columns ? x : y] = true;
     }
   }
   return found;
@@ -47,6 +47,14 @@ TEST(DrawnPlots, ACurveOfOnePointNeedsNoLine) {
   plot.curve = {{0, 0}};
   const Canvas canvas = drawnPlots({plot});
   EXPECT_EQ(unbroken(reached(canvas, true)), 0U);
+}
+
+TEST(DrawnPlots, WhatIsBridgedIsMarkedFromTopToBottom) {
+  Plot plot;
+  plot.curve = {{0, 0}, {1, 1}};
+  plot.gaps = {0.25};
+  const auto rows = reached(drawnPlots({plot}), false, 70);  // but where the curve crosses
+  EXPECT_GT(std::count(rows.begin(), rows.end(), true), kPlotHeight / 2);
 }
 
 TEST(DrawnPlots, StandTwoARow) {

@@ -30,6 +30,18 @@ TEST(Spectrum, TellsItsLimits) {
   EXPECT_NEAR(spectrum.frequencyOf(spectrum.amplitudes.size() - 1), 50, 1e-9);
 }
 
+TEST(Spectrum, HasABinBetweenEveryTwo) {
+  EXPECT_DOUBLE_EQ(spectrumOf(sine(5, 100, 400)).binWidth, 0.125);
+}
+
+TEST(Peaks, NeedNotReachToTheBinsBeside) {
+  Spectrum spectrum{1, 1, 20, std::vector<double>(21, 1)};
+  spectrum.amplitudes[10] = 2;
+  const auto peaks = peaksOf(spectrum, 5, 1.5);
+  ASSERT_EQ(peaks.size(), 1U);
+  EXPECT_NEAR(peaks[0].frequency, 10, 1e-9);
+}
+
 TEST(Spectrum, OfTooFewFramesIsEmpty) {
   EXPECT_TRUE(spectrumOf(sine(5, 100, kFewestFrames - 1)).amplitudes.empty());
   EXPECT_FALSE(spectrumOf(sine(5, 100, kFewestFrames)).amplitudes.empty());

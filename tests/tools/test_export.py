@@ -168,6 +168,16 @@ class Export(VideoTest):
         self.assertRegex(shown, rb"\r\x1b\[K\d+ of 12000 frames, \d+ frames/s, \d+:\d\d left")
         self.assertTrue(shown.endswith(b"\r\x1b[K"))
 
+    def test_quiet_keeps_remarks_to_itself(self):
+        self.write("clip.kpf", header(width=5, height=3))
+        self.write("clip/clip_0001.div", run(range(5), pixels=bytes(range(15))))
+        export = ("export", "clip.kpf", "out.mp4", "--to", "9", "--force")
+        self.assertEqual(self.kpf(*export, "--quiet"), (0, "", ""))
+        code, _, err = self.kpf(*export)
+        self.assertEqual((code, err.count("kpf: ")), (0, 2), err)
+        self.assertIn("--to 9 is beyond the end", err)
+        self.assertIn("are padded to 6 x 4", err)
+
     def test_quiet_says_nothing_on_a_terminal(self):
         self.long_recording(12000)
         self.assertEqual(Terminal(self, "export", "long.kpf", "long.mkv", "--quiet").end(),

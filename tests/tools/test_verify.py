@@ -1,6 +1,7 @@
 """kpf verify: each kind of damage, its place and its words."""
 import json
 import os
+import struct
 import unittest
 
 from recordings import NOT_THERE, ON_WINDOWS, RecordingTest, header, record, run
@@ -393,6 +394,16 @@ class Verify(RecordingTest):
         self.assertEqual(json.loads(out)["error"]["name"], "wrong-usage")
         self.assertIn("FILE", json.loads(out)["error"]["text"])
         self.assertIn("--help", err)
+
+    def test_the_record_behind_a_hole_is_checked(self):
+        """Records of a page each, the first eight of which the disk holds nothing of."""
+        self.write("clip.kpf", header(width=80, height=51, frames=10))
+        self.write("clip/clip_0001.div", b"")
+        self.cut("clip/clip_0001.div", 10 * 4096)
+        wrong = struct.pack("<IqI", 8, 1700000000, 2000000) + bytes(4080)
+        self.patch("clip/clip_0001.div", 8 * 4096, wrong)
+        self.assertIn("note: ./clip/clip_0001.div, record 8, byte 32772: 2000000 microseconds are "
+                      "more than a second\n", self.kpf("verify", "./clip.kpf")[1])
 
 
 if __name__ == "__main__":

@@ -93,7 +93,7 @@ class Safety(ViewTest):
     def test_nonsense_is_told_and_survived(self):
         for query in ("from=x", "from=1e999", "cut=1", "cut=nan,0,0,0,0,0", "tone=1", "tone=,,", "from=99", "from=-",
                       "pictures=amplified&frequency=0", "pictures=amplified&frequency=1e-9", "from=4294967295&step=4294967295",
-                      "pictures=amplified&frequency=1e9"):
+                      "pictures=amplified&frequency=1e9", "pictures=amplified&frequency=13"):
             with self.subTest(query=query):
                 status, _, body = self.ask("api/frames?" + query)
                 self.assertIn(status, (400, 404), body)
@@ -141,6 +141,9 @@ class Frames(ViewTest):
         frame, = self.frames()
         exported = self.kpf_bytes("export", "clip.kpf", "-", "--to", "0").stdout
         self.assertEqual((frame.bytes, frame.pictures), (2, [exported]))
+        # Beside what is amplified it has 8 bits as well.
+        frame, = self.frames(pictures="original,amplified", frequency=12)
+        self.assertEqual((frame.bytes, frame.pictures[0]), (1, exported[1::2]))
 
     def test_what_the_screen_shows(self):
         self.write("clip/clip_0001.div", run(range(5), pixels=PIXELS))
@@ -275,6 +278,23 @@ class Frames(ViewTest):
         self.assertEqual((moved.pictures[0][:6], moved.wraps), (rows[19][:6], 0))
         up, down = moved.pictures[0][6:8]
         self.assertTrue(up > 160 and down < 20, (up, down))  # by nine and eleven levels, eight times
+
+
+class Desktop(ViewTest):
+    def test_the_browser_is_led_by_a_file(self):
+        """The secret address is in no list of processes."""
+        self.write("xdg-open", b"#!/bin/sh\ncp \"$1\" led.tmp; stat -c %a \"$1\" > mode; mv led.tmp led.html\n")
+        os.chmod(self.path("xdg-open"), 0o700)
+        self.view("clip.kpf", desktop={"DISPLAY": ":9", "TMPDIR": self.folder,
+                                       "PATH": self.folder + ":" + os.environ["PATH"]})
+        while not os.path.exists(self.path("led.html")):
+            self.assertIsNone(self.process.poll())
+        with open(self.path("led.html"), encoding="utf-8") as led, open(self.path("mode"), encoding="utf-8") as mode:
+            self.assertIn('url=%s"' % self.address, led.read())
+            self.assertEqual(mode.read(), "600\n")
+        self.process.terminate()
+        self.process.wait(60)
+        self.assertEqual([name for name in os.listdir(self.folder) if name.startswith("kpf-view-")], [])
 
 
 class Arguments(ViewTest):

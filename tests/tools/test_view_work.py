@@ -13,14 +13,33 @@ class Vibration(ViewTest):
     def setUp(self):
         """Stripes of 8 pixels that swing by a tenth of a pixel, 12 times a second; one frame is lost."""
         super().setUp()
-        self.write("clip.kpf", header(width=32, height=24, rate=100.0, frames=self.FRAMES))
+        self.write_stripes()
+        self.view("clip.kpf")
+
+    def write_stripes(self, bits=8, rate=100.0):
+        self.write("clip.kpf", header(width=32, height=24, rate=rate, bits=bits, frames=self.FRAMES))
         data = b""
         for n in range(self.FRAMES):
             shift = 0.1 * math.sin(2 * math.pi * 12 * n / self.RATE)
             row = bytes(round(128 + 100 * math.sin(2 * math.pi * (x - shift) / 8)) for x in range(32))
-            data += bytes(16 + 32 * 24) if n == 90 else record(n, row * 24, rate=100)
+            if bits == 12:  # the lower four bits of two pixels lie between their upper eight
+                row = b"".join(bytes([row[x], 0, row[x + 1]]) for x in range(0, 32, 2))
+            data += bytes(16 + len(row) * 24) if n == 90 else record(n, row * 24, rate=100)
         self.write("clip/clip_0001.div", data)
+
+    def test_twelve_bits_swing_as_eight_do(self):
+        self.write_stripes(bits=12)
         self.view("clip.kpf")
+        peak = self.json("vibration", box="4,4,20,16")["signals"]["x"]["peaks"][0]
+        self.assertAlmostEqual(peak["frequency"], 12, delta=0.5)
+        self.assertAlmostEqual(peak["amplitude"], 0.1, delta=0.01)
+
+    def test_without_a_rate_nothing_is_told(self):
+        self.write_stripes(rate=0.0)
+        self.view("clip.kpf")
+        status, _, body = self.ask("api/vibration?box=4,4,20,16")
+        self.assertEqual(status, 400)
+        self.assertIn(b"they tell no rate", body)
 
     def test_frequency_and_way_of_what_swings(self):
         for box in ("4,4,20,16", "16,12,1,1"):
@@ -103,19 +122,49 @@ class Jobs(ViewTest):
         self.assertEqual(told["code"], 2)
         self.assertIn("no extension that is known", told["text"])
 
+    def still_of(self, name, **how):
+        """The pixels of a still."""
+        self.assertEqual(self.post("jobs", **{**self.still, "name": name, **how}), (200, {"id": 0, "file": name}))
+        return self.pictures(name)[16:]
+
     def test_still_has_the_frame_and_a_caption(self):
         self.write("clip.kpf", header(width=320, height=2, frames=3))
         self.write("clip/clip_0001.div", run(range(3), pixels=bytes(range(256)) * 2 + bytes(128)))
         self.view("clip.kpf")
-        self.assertEqual(self.post("jobs", name="still.png", **self.still), (200, {"id": 0, "file": "still.png"}))
-        code, _, err = self.kpf("record", "still.png", "back.kpf", "--quiet")
-        self.assertEqual(code, 0, err)
-        with open(self.path("back/back_0001.div"), "rb") as file:
-            data = file.read()[16:]
+        data = self.still_of("still.png")
         self.assertEqual(data[:640], bytes(range(256)) * 2 + bytes(128))
         lines = (len(data) - 640) // 320 // 28
         self.assertGreaterEqual(lines, 3)  # name, number and time do not fit into one
         self.assertIn(255, data[640:])
+
+    def test_stills_of_what_is_amplified(self):
+        frames = [bytes((n * 37 + i * 11) % 256 for i in range(64 * 2)) for n in range(20)]
+        self.write("clip.kpf", header(width=64, height=2, frames=20))
+        self.write("clip/clip_0001.div", b"".join(record(n, frame) for n, frame in enumerate(frames)))
+        self.view("clip.kpf")
+        shown, = self.frames(pictures="reference,amplified", frequency=12, gain=8, **{"from": 15})
+        for show, picture in zip(("reference", "amplified"), shown.pictures):
+            data = self.still_of(show + ".png", place=15, show=show, frequency=12, gain=8)
+            self.assertEqual(data[:64 * 2], picture, show)
+            self.assertNotEqual(picture, frames[15])
+
+    def test_captions_are_broken_where_they_must_be(self):
+        """CLIP.KPF FRAME 2, the seconds, the date, and the time with UTC, which has twenty letters."""
+        captions = []
+        for name, width, lines in (("clip", 254, 4), ("clip", 253, 5), ("xlip", 254, 4)):
+            self.write(name + ".kpf", header(width=width, height=2, frames=3))
+            os.makedirs(self.path(name), exist_ok=True)
+            self.write(name + "/%s_0001.div" % name, run(range(3), pixels=bytes(2 * width)))
+            self.view(name + ".kpf")
+            data = self.still_of("%s%d.png" % (name, width))
+            self.assertEqual(len(data), width * (2 + lines * 28), (name, width))
+            captions.append(data)
+        self.assertNotEqual(captions[0], captions[2])  # the first letter is there
+
+    def test_names_may_have_two_hundred_letters(self):
+        self.still_of("x" * 196 + ".png")
+        status, _ = self.post("jobs", **{**self.still, "name": "x" * 197 + ".png"})
+        self.assertEqual(status, 400)
 
     def test_names_lead_nowhere_else(self):
         for name in ("", ".", "..", ".hidden.png", "../x.png", "/tmp/x.png", "a/b.png", "a\nb.png", "a\0.png",

@@ -1,6 +1,7 @@
 """kpf view, started for a test, and what it answers."""
 import http.client
 import json
+import os
 import re
 import struct
 import subprocess
@@ -25,10 +26,14 @@ class Frame:
 
 
 class ViewTest(RecordingTest):
-    def view(self, *arguments):
-        """Starts the server; self.host, self.port and self.root lead to it."""
-        process = subprocess.Popen([KPF, "view", "--no-browser", *arguments], cwd=self.folder,
-                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+    def view(self, *arguments, desktop=None):
+        """Starts the server; self.host, self.port and self.root lead to it.
+
+        @param desktop the environment of one, where a browser is to be started."""
+        quietly = () if desktop else ("--no-browser",)
+        process = subprocess.Popen([KPF, "view", *quietly, *arguments], cwd=self.folder,
+                                   env={**os.environ, **(desktop or {})}, stdout=subprocess.PIPE,
+                                   stderr=subprocess.PIPE, text=True)
         self.addCleanup(process.stderr.close)
         self.addCleanup(process.stdout.close)
         self.addCleanup(process.wait)
