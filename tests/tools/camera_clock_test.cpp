@@ -74,13 +74,13 @@ TEST(CameraClockTest, WhatTheCamerasClockLosesIsTold) {
 
 TEST(CameraClockTest, TheSwiftestOfTheFirst32TellsTheDelay) {
   CameraClock clock(ClockKind::kCamera, 100);
-  // All are held up by 5 ms but the first of each 32, from the second 32 on by 2 ms.
+  // All take 5 ms but the 33rd, which is the first of the second 32.
   for (std::uint64_t i = 0; i < 64; ++i) {
-    const std::uint64_t delay = i == 0 ? 0 : i == 32 ? 2 : 5;
+    const std::uint64_t delay = i == 32 ? 2 : 5;
     clock.timeOf(i,
                  frameAt(1 + i * 10 * kMillisecond, kStart + (i * 10 + 3 + delay) * kMillisecond));
   }
-  EXPECT_NEAR(clock.drift(), 0.002, 1e-9);
+  EXPECT_NEAR(clock.drift(), -0.003, 1e-9);
 }
 
 TEST(CameraClockTest, DelaysAloneAreNoDrift) {

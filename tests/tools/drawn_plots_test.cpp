@@ -42,6 +42,12 @@ TEST(DrawnPlots, ACurveHasNoGaps) {
   EXPECT_GT(unbroken(reached(canvas, false)), kPlotHeight / 2);
 }
 
+TEST(DrawnPlots, AxesGoFromTopToBottomAndAcross) {
+  const Canvas canvas = drawnPlots({Plot()});
+  EXPECT_GT(unbroken(reached(canvas, false, 110)), kPlotHeight / 2);
+  EXPECT_GT(unbroken(reached(canvas, true, 110)), kPlotWidth / 2);
+}
+
 TEST(DrawnPlots, ACurveOfOnePointNeedsNoLine) {
   Plot plot;
   plot.curve = {{0, 0}};

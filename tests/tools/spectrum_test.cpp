@@ -42,6 +42,12 @@ TEST(Peaks, NeedNotReachToTheBinsBeside) {
   EXPECT_NEAR(peaks[0].frequency, 10, 1e-9);
 }
 
+TEST(Peaks, AreTopsAndNotTheWayDown) {
+  Spectrum spectrum{1, 1, 20, std::vector<double>(21, 0.1)};
+  for (std::size_t k = 0; k < 7; ++k) spectrum.amplitudes[10 + k] = 10 - static_cast<double>(k);
+  ASSERT_EQ(peaksOf(spectrum, 5, 1.5).size(), 1U);
+}
+
 TEST(Spectrum, OfTooFewFramesIsEmpty) {
   EXPECT_TRUE(spectrumOf(sine(5, 100, kFewestFrames - 1)).amplitudes.empty());
   EXPECT_FALSE(spectrumOf(sine(5, 100, kFewestFrames)).amplitudes.empty());

@@ -179,15 +179,15 @@ TEST(Candidates, FindTheMotionOfTheDisc) {
 
 constexpr PictureLayout kSquare{16, 16, Samples::k8Bit};
 
-/// Pixels under noise, the first of which swing, at 20 Hz.
-std::vector<Frame> noisePixels(std::size_t swinging, double amplitude) {
+/// Pixels that swing at 20 Hz under noise.
+std::vector<Frame> noisePixels(double amplitude) {
   std::mt19937 random(7);
   std::normal_distribution<double> noise(100, 3);
   std::vector<Frame> frames;
   for (std::size_t n = 0; n < 400; ++n) {
     Frame frame;
     for (std::size_t pixel = 0; pixel < kSquare.pixelCount(); ++pixel) {
-      const double level = swing(20, kRate, n, pixel < swinging ? amplitude : 0, noise(random));
+      const double level = swing(20, kRate, n, amplitude, noise(random));
       frame.push_back(static_cast<unsigned char>(std::lround(level)));
     }
     frames.push_back(frame);
@@ -195,17 +195,35 @@ std::vector<Frame> noisePixels(std::size_t swinging, double amplitude) {
   return frames;
 }
 
+/// The highest amplitude of frames of which the last `swinging` pixels swing by 40 at 20 Hz.
+double highestOf(const PictureLayout& layout, std::size_t swinging) {
+  std::vector<Frame> frames;
+  for (std::size_t n = 0; n < 200; ++n) {
+    Frame frame(layout.pixelCount(), 100);
+    const double level = swing(20, kRate, n, 40, 100);
+    std::fill(frame.end() - static_cast<std::ptrdiff_t>(swinging), frame.end(),
+              static_cast<unsigned char>(std::lround(level)));
+    frames.push_back(frame);
+  }
+  Candidates candidates(layout, Stretches::of(200), kRate);
+  feed(frames, layout, candidates);
+  const std::vector<double> amplitudes = candidates.spectrum().amplitudes;
+  return *std::max_element(amplitudes.begin(), amplitudes.end());
+}
+
 TEST(Candidates, HaveTheMeanOfAllPixels) {
-  Candidates candidates(kSquare, Stretches::of(400), kRate);
-  feed(noisePixels(64, 40), kSquare, candidates);
-  const auto spectrum = candidates.spectrum();
-  const double highest = *std::max_element(spectrum.amplitudes.begin(), spectrum.amplitudes.end());
-  EXPECT_NEAR(highest, 20, 0.3);  // a quarter of the power is half the amplitude
+  // A quarter of the power is half the amplitude.
+  EXPECT_NEAR(highestOf({4, 1, Samples::k8Bit}, 1), 20, 0.2);
+}
+
+TEST(Candidates, OfTheLastRowAreOfThatRow) {
+  // One pixel of four is looked at, in the last row one of two.
+  EXPECT_NEAR(highestOf({64, 65, Samples::k8Bit}, 64), 40 * std::sqrt(1 / 33.), 0.2);
 }
 
 TEST(Candidates, NeedNotStandFarAboveTheNoise) {
   Candidates candidates(kSquare, Stretches::of(400), kRate);
-  feed(noisePixels(kSquare.pixelCount(), 0.4), kSquare, candidates);
+  feed(noisePixels(0.4), kSquare, candidates);
   std::vector<double> amplitudes = candidates.spectrum().amplitudes;
   const double highest = *std::max_element(amplitudes.begin(), amplitudes.end());
   std::nth_element(amplitudes.begin(), amplitudes.begin() + 100, amplitudes.end());

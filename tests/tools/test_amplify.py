@@ -6,7 +6,7 @@ import subprocess
 import time
 import unittest
 
-from recordings import KPF, Terminal, header, record
+from recordings import KPF, Terminal, header, record, run
 from videos import FFPROBE, VideoTest, y4m
 
 
@@ -131,6 +131,20 @@ class Amplify(VideoTest):
         self.assertEqual(len(first + rest), frames * 4096)
         self.assertLess(frames, 400)
 
+    def test_amplifying_a_recording_is_interrupted_too(self):
+        self.write("clip.kpf", header(width=64, height=64, frames=400))
+        self.write("clip/clip_0001.div", run(range(400), pixels=bytes(4096)))
+        with subprocess.Popen([KPF, "amplify", "clip.kpf", "-", "--frequency", "12"],
+                              cwd=self.folder, stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE) as process:
+            first = process.stdout.read(4096)
+            process.send_signal(signal.SIGINT)
+            rest, err = process.communicate(timeout=60)
+        self.assertEqual(process.returncode, 1)
+        frames = len(first + rest) // 4096
+        self.assertEqual(err, b"kpf: interrupted after %d frames\n" % frames)
+        self.assertLess(frames, 400)
+
     def test_progress_on_a_terminal(self):
         frame = b"FRAME\n" + bytes(64 * 64)
         terminal = Terminal(self, "amplify", "-", "out.mkv", "--frequency", "12")
@@ -241,6 +255,8 @@ class Amplify(VideoTest):
         self.holes(frames, (3, 8, 9))
         common = ("holes.kpf", "-", "--frequency", "12", "--quiet", "--lost", "skip")
         whole = self.kpf_bytes("amplify", *common).stdout
+        part = self.kpf_bytes("amplify", *common, "--from", "6", "--to", "11")
+        self.assertIn(b"2 of 6 frames were lost (8-9)", part.stderr)
         part = self.kpf_bytes("amplify", *common, "--from", "10", "--to", "11")
         self.assertEqual(part.stdout, whole[24 * 7:24 * 9])
         self.assertEqual((part.returncode, part.stderr), (0, b""))

@@ -59,6 +59,15 @@ class CommandLine(RecordingTest):
                                   check=False)
             self.assertEqual(done.returncode, 1)
 
+    def test_closed_output_costs_no_frame(self):
+        """Nothing that is opened meanwhile may get its descriptor: what is said goes there."""
+        self.assertEqual(self.kpf("export", "clip.kpf", "in.mkv"), (0, "", ""))
+        for name, close in (("open", ""), ("shut", ">&-")):
+            subprocess.run(["sh", "-c", 'exec "$0" record in.mkv %s.kpf %s' % (name, close), KPF],
+                           cwd=self.folder, stdout=subprocess.DEVNULL,
+                           stderr=subprocess.DEVNULL, timeout=60, check=False)
+            self.assertEqual(self.kpf("verify", name + ".kpf", "--strict")[0], 0)
+
     def test_mistyped_command_is_named_with_the_nearest(self):
         for typed, meant in (("exprot", "export"), ("inof", "info"), ("amplfy", "amplify"),
                              ("verfiy", "verify"), ("Record", "record"), ("infoo", "info")):

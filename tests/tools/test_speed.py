@@ -1,12 +1,19 @@
 """kpf speed: a disk is tried, and nothing stays behind."""
 import json
 import os
+import re
 import signal
 import subprocess
 
 from recordings import KPF, RecordingTest
 
 SMALL = ("--size", "64x48", "--seconds", "1")
+BYTES = {"bytes": 1, "kB": 1e3, "MB": 1e6, "GB": 1e9, "TB": 1e12}
+
+
+def in_bytes(said):
+    number, unit = said.split()
+    return float(number) * BYTES[unit]
 
 
 class Speed(RecordingTest):
@@ -37,6 +44,11 @@ class Speed(RecordingTest):
         if code == 0:
             self.assertRegex(out, r"holds    \d+ frames/s \(.*/s\): none of \d+ frames late in ")
             self.assertRegex(out, r" free: [0-9.]+ minutes at the rate it holds\n$")
+            # To the tenth that each of them is told with.
+            free, minutes = re.search(r"([0-9.]+ \w+) free: ([0-9.]+) minutes", out).groups()
+            held = re.search(r"holds .*\((.*)/s\):", out)[1]
+            self.assertAlmostEqual(float(minutes) / (in_bytes(free) / in_bytes(held) / 60), 1, delta=0.1)
+        self.assertNotEqual("No rate held" in out, "at the rate it holds" in out)
         self.assertEqual(err, "")
 
     def test_cleans_up_when_interrupted(self):

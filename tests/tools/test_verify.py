@@ -4,7 +4,7 @@ import os
 import struct
 import unittest
 
-from recordings import NOT_THERE, ON_WINDOWS, RecordingTest, header, record, run
+from recordings import NOT_THERE, ON_WINDOWS, RecordingTest, Terminal, header, record, run
 
 DIV = "clip/clip_0001.div"
 STATUS = (b"Packed stream is incomplete and was not fully processed.\n"
@@ -394,6 +394,14 @@ class Verify(RecordingTest):
         self.assertEqual(json.loads(out)["error"]["name"], "wrong-usage")
         self.assertIn("FILE", json.loads(out)["error"]["text"])
         self.assertIn("--help", err)
+
+    def test_progress_on_a_terminal(self):
+        self.write("clip.kpf", header(frames=1500000))
+        self.write("clip/clip_0001.div", bytes(24 * 1500000))  # which the disk holds
+        code, _, shown = Terminal(self, "verify", "clip.kpf").end()
+        self.assertEqual(code, 0)
+        self.assertRegex(shown, rb"^\r\x1b\[K\d+ of 36 MB, \d+ MB/s, \d:\d\d left")
+        self.assertTrue(shown.endswith(b"\r\x1b[K"), shown)
 
     def test_the_record_behind_a_hole_is_checked(self):
         """Records of a page each, the first eight of which the disk holds nothing of."""

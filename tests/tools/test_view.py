@@ -65,6 +65,10 @@ class Safety(ViewTest):
         self.assertEqual(self.ask("api/jobs?kind=still&name=x.png")[0], 400)
         self.assertEqual(os.listdir(self.folder).count("x.png"), 0)
 
+    def test_other_methods_are_refused(self):
+        for method in ("DELETE", "PUT", "PATCH", "OPTIONS"):
+            self.assertEqual(self.ask("api/recordings", method)[0], 403, method)
+
     def test_every_answer_forbids_what_is_not_needed(self):
         for path in ("", "main.js", "chart.js", "style.css", "icon.svg", "api/recordings", "nothing", "api/frames"):
             with self.subTest(path=path):

@@ -16,23 +16,26 @@ class Vibration(ViewTest):
         self.write_stripes()
         self.view("clip.kpf")
 
-    def write_stripes(self, bits=8, rate=100.0):
-        self.write("clip.kpf", header(width=32, height=24, rate=rate, bits=bits, frames=self.FRAMES))
+    def write_stripes(self, rate=100.0):
+        self.write("clip.kpf", header(width=32, height=24, rate=rate, frames=self.FRAMES))
         data = b""
         for n in range(self.FRAMES):
             shift = 0.1 * math.sin(2 * math.pi * 12 * n / self.RATE)
             row = bytes(round(128 + 100 * math.sin(2 * math.pi * (x - shift) / 8)) for x in range(32))
-            if bits == 12:  # the lower four bits of two pixels lie between their upper eight
-                row = b"".join(bytes([row[x], 0, row[x + 1]]) for x in range(0, 32, 2))
-            data += bytes(16 + len(row) * 24) if n == 90 else record(n, row * 24, rate=100)
+            data += bytes(16 + 32 * 24) if n == 90 else record(n, row * 24, rate=100)
         self.write("clip/clip_0001.div", data)
 
-    def test_twelve_bits_swing_as_eight_do(self):
-        self.write_stripes(bits=12)
+    def test_twelve_bits_keep_their_fractions(self):
+        """Light that swings by six sixteenths of what 8 bits can tell."""
+        self.write("clip.kpf", header(width=32, height=24, rate=100.0, bits=12, frames=self.FRAMES))
+        levels = [round(2056 + 6 * math.sin(2 * math.pi * 12 * n / self.RATE)) for n in range(self.FRAMES)]
+        self.write("clip/clip_0001.div", b"".join(
+            record(n, bytes([level >> 4, (level & 15) * 17, level >> 4]) * (16 * 24), rate=100)
+            for n, level in enumerate(levels)))
         self.view("clip.kpf")
-        peak = self.json("vibration", box="4,4,20,16")["signals"]["x"]["peaks"][0]
+        peak = self.json("vibration", box="4,4,20,16")["signals"]["mean"]["peaks"][0]
         self.assertAlmostEqual(peak["frequency"], 12, delta=0.5)
-        self.assertAlmostEqual(peak["amplitude"], 0.1, delta=0.01)
+        self.assertAlmostEqual(peak["amplitude"], 6 / 16, delta=0.02)
 
     def test_without_a_rate_nothing_is_told(self):
         self.write_stripes(rate=0.0)
