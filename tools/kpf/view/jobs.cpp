@@ -42,6 +42,7 @@ pid_t startSelf(const std::vector<std::string>& arguments, int output) {
   std::vector<std::string> words{"kpf"};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> pointers;
+  pointers.reserve(words.size() + 1);
   for (std::string& word : words) pointers.push_back(word.data());
   pointers.push_back(nullptr);
   pid_t process = 0;

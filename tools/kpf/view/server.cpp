@@ -60,7 +60,7 @@ void send(const Reply& reply, httplib::Response& response) {
     const auto piece = reply.bytes.subspan(offset, std::min(length, kPiece));
     return sink.write(reinterpret_cast<const char*>(piece.data()), piece.size());
   };
-  response.set_content_provider(reply.bytes.size(), reply.type.c_str(), provide);
+  response.set_content_provider(reply.bytes.size(), reply.type, provide);
 }
 
 }  // namespace
