@@ -221,6 +221,8 @@ class Page(BrowserTest):
             .filter((one) => !one.labels?.length && !one.getAttribute('aria-label') && !one.textContent.trim())
             .map((one) => one.outerHTML)"""
         self.assertEqual(self.js(nameless), [])
+        names = [self.element(name).accessible_name for name in ("mark-in", "mark-clear", "export-kind", "export-name")]
+        self.assertEqual(names, ["mark in", "clear marks", "export as", "name of the file"])
 
 
 class HostilePage(BrowserTest):

@@ -153,6 +153,7 @@ class Vibration(BrowserTest):
         # s saves a still of what is on the screen, with a caption, where kpf view was started.
         self.press("s")
         self.until("return document.getElementById('export-note').textContent.startsWith('Saved as scene_')")
+        self.assertTrue(self.js(IN_SIGHT, "export-note"))
         still = self.picture_of("scene_%06d.png" % place)
         made = self.kpf_bytes("amplify", "scene.kpf", "-", "--frequency", str(self.frequency()), "--gain", "10",
                               "--from", str(place), "--to", str(place)).stdout

@@ -130,14 +130,17 @@ class Jobs(ViewTest):
         self.assertEqual(self.post("jobs", **{**self.still, "name": name, **how}), (200, {"id": 0, "file": name}))
         return self.pictures(name)[16:]
 
-    def test_still_has_the_frame_and_a_caption(self):
+    def view_wide(self):
         self.write("clip.kpf", header(width=320, height=2, frames=3))
         self.write("clip/clip_0001.div", run(range(3), pixels=bytes(range(256)) * 2 + bytes(128)))
         self.view("clip.kpf")
+
+    def test_still_has_the_frame_and_a_caption(self):
+        self.view_wide()
         data = self.still_of("still.png")
         self.assertEqual(data[:640], bytes(range(256)) * 2 + bytes(128))
         lines = (len(data) - 640) // 320 // 28
-        self.assertGreaterEqual(lines, 3)  # name, number and time do not fit into one
+        self.assertEqual(lines, 3)  # name and number, date, time of day
         self.assertIn(255, data[640:])
 
     def test_stills_of_what_is_amplified(self):
@@ -152,9 +155,9 @@ class Jobs(ViewTest):
             self.assertNotEqual(picture, frames[15])
 
     def test_captions_are_broken_where_they_must_be(self):
-        """CLIP.KPF FRAME 2, the seconds, the date, and the time with UTC, which has twenty letters."""
+        """CLIP.KPF FRAME 2, the date, and the time with UTC, which has nineteen letters."""
         captions = []
-        for name, width, lines in (("clip", 254, 4), ("clip", 253, 5), ("xlip", 254, 4)):
+        for name, width, lines in (("clip", 242, 3), ("clip", 241, 4), ("xlip", 242, 3)):
             self.write(name + ".kpf", header(width=width, height=2, frames=3))
             os.makedirs(self.path(name), exist_ok=True)
             self.write(name + "/%s_0001.div" % name, run(range(3), pixels=bytes(2 * width)))
@@ -168,6 +171,13 @@ class Jobs(ViewTest):
         self.still_of("x" * 196 + ".png")
         status, _ = self.post("jobs", **{**self.still, "name": "x" * 197 + ".png"})
         self.assertEqual(status, 400)
+
+    def test_still_says_which_way_it_was_amplified(self):
+        self.view_wide()
+        how = {"show": "amplified", "frequency": 5, "gain": 8}
+        library, clean = (self.still_of(name, clean=name == "clean.png", **how)[640:]
+                          for name in ("library.png", "clean.png"))
+        self.assertNotEqual(library, clean)
 
     def test_names_lead_nowhere_else(self):
         for name in ("", ".", "..", ".hidden.png", "../x.png", "/tmp/x.png", "a/b.png", "a\nb.png", "a\0.png",

@@ -34,6 +34,12 @@ std::string upper(std::string text) {
 
 std::string fileOf(const std::string& path) { return path.substr(path.rfind('/') + 1); }
 
+/// The date of a time that has one: with its seconds since 1970 too, it fills two lines more.
+std::string dateOf(const std::string& time) {
+  const std::size_t open = time.find('(');
+  return open == std::string::npos ? time : time.substr(open + 1, time.size() - open - 2);
+}
+
 /// Words in lines that fit; a longer word has a line of its own, and is cut.
 std::vector<std::string> linesOf(const std::string& text, std::size_t letters) {
   std::vector<std::string> lines{""};
@@ -116,13 +122,14 @@ class Still {
   }
 
   std::string caption() const {
-    std::string text =
-        fmt::format("{} FRAME {} {}", upper(name_), place_,
-                    upper(timeText(frame_.record.seconds, frame_.record.microseconds)));
+    const std::string time = timeText(frame_.record.seconds, frame_.record.microseconds);
+    const std::string text =
+        fmt::format("{} FRAME {} {}", upper(name_), place_, upper(dateOf(time)));
     if (show_ == "original") return text;
-    return text + fmt::format(" {} {:g}X AT {:g} HZ",
-                              show_ == "reference" ? "REFERENCE OF" : "AMPLIFIED", how_.gain,
-                              how_.frequency);
+    const std::string what =
+        show_ == "reference" ? fmt::format("REFERENCE: THREE CYCLES OF {:g} HZ", how_.frequency)
+                             : fmt::format("AMPLIFIED {:g}X AT {:g} HZ", how_.gain, how_.frequency);
+    return text + ' ' + what + (how_.clean ? ", CLEAN" : "");
   }
 
   const KPF_READER::Header& header_;

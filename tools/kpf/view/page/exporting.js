@@ -73,6 +73,7 @@ export class Exporting {
 
   tell(text, bad) {
     $('export-note').textContent = text;
+    $('export-note').scrollIntoView({ block: 'nearest' }); // the key works wherever one looks
     $('export-note').classList.toggle('bad', Boolean(bad));
   }
 
