@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/uio.h>
 #include <unistd.h>
 
@@ -13,18 +14,25 @@
 namespace VLM_KPF {
 namespace {
 
-alignas(4096) std::array<unsigned char, std::size_t{64} << 10> zeros;
+constexpr std::size_t kBlocks = 1024;                                  // as many as one call takes
+alignas(4096) std::array<unsigned char, std::size_t{64} << 10> zeros;  // no iovec takes constants
+
+/// A write beyond what files may hold would end a process that does not listen to SIGXFSZ.
+bool filesMayHold(std::uint64_t bytes) noexcept {
+  rlimit limit{};
+  return getrlimit(RLIMIT_FSIZE, &limit) == 0 && bytes <= limit.rlim_cur;
+}
 
 /// In one call: a file system chooses the size of its pieces by what it is given at once.
-void writeZeros(int file, std::uint64_t bytes) noexcept {
-  std::array<iovec, 1024> blocks;  // as many as one call takes
+/// @return whether all of them found room.
+bool writeZeros(int file, std::uint64_t bytes) noexcept {
+  const std::size_t all = std::min<std::uint64_t>(bytes, kBlocks * zeros.size());
+  std::array<iovec, kBlocks> blocks;
   std::size_t count = 0;
-  for (; bytes > 0 && count < blocks.size(); ++count) {
-    const std::size_t size = std::min<std::uint64_t>(bytes, zeros.size());
-    blocks[count] = {zeros.data(), size};
-    bytes -= size;
+  for (std::size_t done = 0; done < all; done += zeros.size()) {
+    blocks[count++] = {zeros.data(), std::min(all - done, zeros.size())};
   }
-  [[maybe_unused]] const ssize_t ignored = writev(file, blocks.data(), static_cast<int>(count));
+  return writev(file, blocks.data(), static_cast<int>(count)) == static_cast<ssize_t>(all);
 }
 
 class LinuxPageCache final : public PageCache {
@@ -45,8 +53,9 @@ class LinuxPageCache final : public PageCache {
 
   int takePages(const std::filesystem::path& folder, std::uint64_t record,
                 unsigned count) noexcept override {
+    if (!filesMayHold(record * count)) return -1;
     const int pages = open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
-    for (; pages >= 0 && count > 0; --count) writeZeros(pages, record);
+    while (pages >= 0 && count > 0 && writeZeros(pages, record)) --count;
     return pages;
   }
 

@@ -9,6 +9,7 @@
 
 #include "tests/stream/stream_test.h"
 #include "tests/support/cached_pages.h"
+#include "tests/support/file_size_limit.h"
 
 namespace {
 
@@ -82,6 +83,12 @@ TEST(SystemPageCache, TakesPagesWithAFileThatNobodySees) {
   EXPECT_EQ(lseek(pages, 0, SEEK_END), static_cast<off_t>(2 * kMiB));
   PageCache::system().release(pages);
   EXPECT_EQ(fcntl(pages, F_GETFD), -1);
+}
+
+TEST(SystemPageCache, TakesNoPagesThatAFileMayNotHave) {
+  const TEST_SUPPORT::TemporaryFolder folder;
+  const TEST_SUPPORT::FileSizeLimit limit(3 * kMiB);
+  EXPECT_EQ(PageCache::system().takePages(folder.path(), kMiB, 4), -1);
 }
 
 TEST(SystemPageCache, TakesNoPagesInAFolderThatIsGone) {
