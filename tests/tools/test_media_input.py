@@ -104,10 +104,12 @@ class Damage(MediaInput):
 
     def test_sound_hides_no_early_end(self):
         self.encode("v.mkv", "-c:v", "ffv1", "-g", "1")
-        sound = ("-f", "lavfi", "-i", "sine=duration=2.1", "-c:v", "copy", "-c:a", "pcm_s16le")
-        for name in ("s.mkv", "s.avi"):
-            subprocess.run([FFMPEG, "-v", "error", "-i", "v.mkv", *sound, name], cwd=self.folder,
-                           check=True, timeout=60)
+        sound = ("-f", "lavfi", "-i", "sine=duration=2.1", "-c:v", "copy", "-c:a")
+        # The last begins before 0, with what AAC needs to come into its stride.
+        for name, codec in (("s.mkv", ("pcm_s16le",)), ("s.avi", ("pcm_s16le",)),
+                            ("early.mkv", ("aac", "-avoid_negative_ts", "disabled"))):
+            subprocess.run([FFMPEG, "-v", "error", "-i", "v.mkv", *sound, *codec, name],
+                           cwd=self.folder, check=True, timeout=60)
             self.assertEqual(self.kpf("record", name, "whole.kpf", "--force", *self.start)[0], 0,
                              name)
             self.cut(name, os.path.getsize(self.path(name)) * 6 // 10)
