@@ -158,7 +158,7 @@ class Cameras(RecordingTest):
         self.camera()
         code, out, err = self.kpf("cameras")
         self.assertEqual((code, err), (0, ""))
-        self.assertIn("GigEVision at 127.0.0.1", out)
+        self.assertIn("\n  Aravis Fake, GigEVision at 127.0.0.1\n", out)
         self.assertIn("Mono12Packed", out)
         cameras = json.loads(self.kpf("cameras", "--json")[1])["cameras"]
         self.assertEqual([camera["serial"] for camera in cameras], ["TEST"])
