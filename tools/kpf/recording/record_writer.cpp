@@ -12,6 +12,7 @@
 #include "format/kpf_file_names.h"
 #include "format/kpf_layout.h"
 #include "paths/native_path.h"
+#include "tools/kpf/files/file_system.h"
 #include "tools/kpf/files/new_file.h"
 #include "tools/kpf/records/data_file.h"
 #include "tools/kpf/terminal/text.h"
@@ -76,9 +77,11 @@ void RecordWriter::nextFile() {
   fileName_ =
       KPF_FORMAT::divFileName(namesOf(header_), count_ / like_.header().framesPerDivFile + 1);
   const fs::path path = nativePath(fileName_);
+  // What has come there meanwhile is somebody else's: neither overwritten, nor removed at the end.
+  if (const std::error_code error = makeNewFile(fileName_)) failed(fileName_, error);
+  made_.push_back(path);
   file_.open(path, std::ios::binary | std::ios::trunc);
   if (!file_) failed(fileName_, lastError());
-  made_.push_back(path);
 }
 
 void RecordWriter::closeFile() {
