@@ -166,6 +166,7 @@ class Cameras(RecordingTest):
             code, _, err = self.kpf("record", "genicam:" + name, "out.kpf", "--frames", "3",
                                     "--region", "64x64", "--bits", "8", "--force")
             self.assertEqual(code, 0, err)
+            self.assertEqual(os.path.getsize(self.path("out/out_0001.div")), 3 * (16 + 64 * 64))
 
     def test_a_camera_serves_one_program(self):
         self.camera()
