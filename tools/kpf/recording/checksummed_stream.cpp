@@ -1,5 +1,7 @@
 #include "tools/kpf/recording/checksummed_stream.h"
 
+#include <exception>
+
 #include "tools/kpf/records/checksum.h"
 
 namespace KPF_TOOL {
@@ -8,24 +10,52 @@ ChecksummedStream::ChecksummedStream(RecordStream& stream, const std::string& he
     : stream_(stream),
       recording_(header),
       writer_(checksumFileName(header), recording_.header().identifier),
-      record_(recording_.header().recordSize()) {}
+      record_(recording_.header().recordSize()),
+      reader_([this] { keepUp(); }) {}
+
+ChecksummedStream::~ChecksummedStream() { end(); }
 
 void ChecksummedStream::addImage(const unsigned char* image) {
   stream_.addImage(image);
-  keep();
+  tell(1);
 }
 
 void ChecksummedStream::addPlaceholder() {
   stream_.addPlaceholder();
-  keep();
+  tell(1);
+}
+
+void ChecksummedStream::tell(std::uint64_t news) {
+  added_ += news;
+  added_.notify_one();
+}
+
+void ChecksummedStream::end() {
+  if (!reader_.joinable()) return;
+  tell(kEnded);
+  reader_.join();
+}
+
+void ChecksummedStream::keepUp() {
+  for (;;) {
+    const std::uint64_t added = added_;
+    if (next_ < (added & ~kEnded)) {
+      keep();
+    } else if (added & kEnded) {
+      return;
+    } else {
+      added_.wait(added);
+    }
+  }
 }
 
 // Behind a record that is not there, the recording is about to end with what the library says.
 void ChecksummedStream::keep() {
+  const std::uint32_t place = next_++;
   if (failed_) return;
   try {
-    readBack(next_++);
-  } catch (const KPF_READER::RecordingError&) {
+    readBack(place);
+  } catch (const std::exception&) {
     failed_ = true;
   }
 }
@@ -42,6 +72,9 @@ void ChecksummedStream::readBack(std::uint32_t place) {
   if (!failed_) writer_.add(place, checksumOf(record_));
 }
 
-bool ChecksummedStream::finish() { return writer_.close() && !failed_; }
+bool ChecksummedStream::finish() {
+  end();
+  return writer_.close() && !failed_;
+}
 
 }  // namespace KPF_TOOL
