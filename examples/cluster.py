@@ -62,7 +62,7 @@ def main():
     parser.add_argument("--picture", default="energy.png")
     options = parser.parse_args()
     cluster = options.scheduler or LocalCluster(n_workers=2, threads_per_worker=1,
-                                                host="127.0.0.1", dashboard_address=None)
+                                                host="127.0.0.1", dashboard_address="127.0.0.1:0")
     with Client(cluster) as client:
         found = energies(client, options.folder, options.chunk)
     if not options.scheduler:

@@ -216,7 +216,7 @@ def with_workers(count, path, turns, work):
     """The median of the turns on a cluster of so many processes, and the last result."""
     from dask.distributed import Client, LocalCluster
     with LocalCluster(n_workers=count, threads_per_worker=1, host="127.0.0.1",
-                      dashboard_address=None) as cluster, Client(cluster) as client:
+                      dashboard_address="127.0.0.1:0") as cluster, Client(cluster) as client:
         times = []
         for turn in range(turns + 1):
             # A task of its own each turn, or the cluster would give what it knows already.

@@ -19,7 +19,7 @@ distributed = pytest.importorskip("distributed")
 def two_workers():
     with dask.config.set({"distributed.worker.daemon": False}):
         with distributed.LocalCluster(n_workers=2, threads_per_worker=1, processes=True,
-                                      host="127.0.0.1", dashboard_address=None) as cluster:
+                                      host="127.0.0.1", dashboard_address="127.0.0.1:0") as cluster:
             with distributed.Client(cluster) as client:
                 yield client
 
