@@ -123,8 +123,7 @@ class Still {
 
   std::string caption() const {
     const std::string time = timeText(frame_.record.seconds, frame_.record.microseconds);
-    const std::string text =
-        fmt::format("{} FRAME {} {}", upper(name_), place_, upper(dateOf(time)));
+    std::string text = fmt::format("{} FRAME {} {}", upper(name_), place_, upper(dateOf(time)));
     if (show_ == "original") return text;
     const std::string what =
         show_ == "reference" ? fmt::format("REFERENCE: THREE CYCLES OF {:g} HZ", how_.frequency)
