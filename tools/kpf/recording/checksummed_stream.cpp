@@ -1,16 +1,24 @@
 #include "tools/kpf/recording/checksummed_stream.h"
 
+#include <algorithm>
 #include <exception>
 
 #include "tools/kpf/records/checksum.h"
 
 namespace KPF_TOOL {
+namespace {
+
+// To wake a thread costs as much as to read a small record. All of these are still in memory.
+constexpr std::uint64_t kBytesAtOnce = std::uint64_t{2} << 20;
+
+}  // namespace
 
 ChecksummedStream::ChecksummedStream(RecordStream& stream, const std::string& header)
     : stream_(stream),
       recording_(header),
       writer_(checksumFileName(header), recording_.header().identifier),
       record_(recording_.header().recordSize()),
+      atOnce_(std::max<std::uint64_t>(kBytesAtOnce / record_.size(), 1)),
       reader_([this] { keepUp(); }) {}
 
 ChecksummedStream::~ChecksummedStream() { end(); }
@@ -26,8 +34,8 @@ void ChecksummedStream::addPlaceholder() {
 }
 
 void ChecksummedStream::tell(std::uint64_t news) {
-  added_ += news;
-  added_.notify_one();
+  const std::uint64_t added = added_ += news;
+  if (added % atOnce_ == 0 || added & kEnded) added_.notify_one();
 }
 
 void ChecksummedStream::end() {

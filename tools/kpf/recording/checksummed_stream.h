@@ -46,6 +46,7 @@ class ChecksummedStream : public RecordStream {
   KPF_READER::Recording recording_;
   ChecksumWriter writer_;
   std::vector<unsigned char> record_;
+  std::uint64_t atOnce_;  // records that the thread is woken for
   std::optional<DataFile> file_;
   std::uint32_t fileNumber_ = 0;  // of the one that is open
   std::uint32_t next_ = 0;        // place
