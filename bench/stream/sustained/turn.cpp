@@ -36,12 +36,17 @@ void waitUntil(Clock::time_point due) {
   }
 }
 
-/// The files of the turn before are gone, but a file system may still be busy with them.
-void settle(const std::string& folder) {
-  const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (descriptor < 0) return;
-  syncfs(descriptor);
-  close(descriptor);
+/// The files of the turn before are gone, but a file system may still be busy with them, and the
+/// system with the memory that held them: a virtual machine gives it back to its host for seconds.
+void settle(const Plan& plan) {
+  constexpr double kBytesASecond = 1e9;
+  const int descriptor = open(plan.parent.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (descriptor >= 0) {
+    syncfs(descriptor);
+    close(descriptor);
+  }
+  waitUntil(Clock::now() + std::chrono::duration_cast<Clock::duration>(
+                               std::chrono::duration<double>(plan.bytes() / kBytesASecond)));
 }
 
 Course writeFrames(const std::vector<std::unique_ptr<FrameWriter>>& writers, const Plan& plan) {
@@ -74,7 +79,7 @@ void listenToInterrupts() {
 }
 
 Course takeTurn(const OpenWriter& open, const Plan& plan) {
-  settle(plan.parent);
+  settle(plan);
   const TEST_SUPPORT::TemporaryFolder folder;
   const unsigned each = plan.frames / plan.streams;
   std::vector<std::unique_ptr<FrameWriter>> writers;
