@@ -16,10 +16,10 @@ if(WIN32)
 endif()
 
 set(kpf_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/kpf)
-install(EXPORT kpf-targets NAMESPACE kpf:: FILE kpf-config.cmake
+install(EXPORT kpf-targets NAMESPACE kpf::
   DESTINATION ${kpf_package_dir} COMPONENT kpf_development)
 write_basic_package_version_file(kpf-config-version.cmake COMPATIBILITY SameMajorVersion)
-install(FILES ${PROJECT_BINARY_DIR}/kpf-config-version.cmake
+install(FILES cmake/kpf-config.cmake ${PROJECT_BINARY_DIR}/kpf-config-version.cmake
   DESTINATION ${kpf_package_dir} COMPONENT kpf_development)
 
 # Relative, so that the package works wherever it is unpacked.

@@ -61,6 +61,9 @@ if(WINDOWS)  # where DLLs are looked for beside the program
   file(COPY ${dlls} DESTINATION ${FOLDER}/build)
   set(suffix .exe)
 endif()
+if(EXISTS ${PREFIX}/lib/kpf.lib)
+  run(${CMAKE_COMMAND} -S ${SOURCE}/msvc -B ${FOLDER}/msvc -D CMAKE_PREFIX_PATH=${PREFIX})
+endif()
 
 set(closing "closeStream: KPF Packed streamStatus is not marked complete.")
 foreach(program IN ITEMS caller caller_static)

@@ -7,7 +7,7 @@ import subprocess
 import unittest
 
 import recordings
-from recordings import RecordingTest, header, run
+from recordings import ON_WINDOWS, RecordingTest, header, run
 
 BARE = os.environ["KPF_WITHOUT_FFMPEG"]
 
@@ -125,6 +125,15 @@ class Windows(RecordingTest):
             code, out, err = self.kpf(*arguments)
             self.assertEqual((code, out), (2, ""), arguments)
             self.assertIn("this kpf is built without FFmpeg\n", err)
+
+    @unittest.skipUnless(ON_WINDOWS, "elsewhere the libraries may be there")
+    def test_what_needs_a_library_that_is_not_to_be_had_says_where_it_is(self):
+        for arguments, library in ((("probe", NAME + ".kpf", "--at", "1,1"), "libkissfft-dev"),
+                                   (("view", NAME + ".kpf"), "libcpp-httplib-dev"),
+                                   (("record", "genicam:", "out.kpf"), "libaravis-dev")):
+            code, out, err = self.kpf(*arguments)
+            self.assertEqual((code, out), (2, ""), arguments)
+            self.assertRegex(err, "\nOn Linux .*" + library)
 
     def test_missing_name_is_told_as_it_was_written(self):
         code, _, err = self.kpf("info", "нет.kpf")

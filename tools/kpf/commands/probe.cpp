@@ -56,7 +56,8 @@ CLI::Validator positive() {
 /// What needs no look into the recording.
 void checkOptions(const ProbeOptions& options) {
   if (!canTransform()) {
-    throw wrongUsage("this kpf was built without kissfft", "Build it with libkissfft-dev.");
+    throw wrongUsage("this kpf was built without kissfft",
+                     "On Linux build it with libkissfft-dev installed.");
   }
   const bool point = !options.at.empty() || !options.box.empty();
   if (!point && options.map.empty()) {
