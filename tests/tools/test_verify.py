@@ -395,6 +395,7 @@ class Verify(RecordingTest):
         self.assertIn("FILE", json.loads(out)["error"]["text"])
         self.assertIn("--help", err)
 
+    @unittest.skipIf(ON_WINDOWS, "a console there draws its line anew in its own way")
     def test_progress_on_a_terminal(self):
         self.write("clip.kpf", header(frames=1500000))
         self.write("clip/clip_0001.div", bytes(24 * 1500000))  # which the disk holds
