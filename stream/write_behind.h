@@ -22,7 +22,7 @@ namespace VLM_KPF {
  * The first records have nothing behind them. Their pages are taken when the recording is prepared,
  * and one record's worth of them is given back before each, as later that of an earlier record.
  *
- * No thread, no memory, nothing that fails. The writer's bytes are with the system before it is
+ * No thread, no buffer, nothing that fails. The writer's bytes are with the system before it is
  * told here; a file that will stay small keeps all its pages.
  */
 class WriteBehind {

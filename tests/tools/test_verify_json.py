@@ -1,0 +1,61 @@
+"""What kpf verify tells a program."""
+import json
+import unittest
+
+from recordings import NOT_THERE, RecordingTest
+from test_verify import DIV, NO_STATUS
+
+
+class VerifyJson(RecordingTest):
+    def json(self):
+        code, out, err = self.kpf("verify", "--json", "./clip.kpf")
+        self.assertEqual(err, "")
+        return code, json.loads(out)
+
+    def test_json_of_a_sound_recording(self):
+        self.assertEqual(self.json(), (0, {
+            "file": "./clip.kpf", "ok": True, "announced": 5, "written": 5, "placeholders": 0,
+            "problemCount": 0, "noteCount": 0, "firstDamage": None, "problems": [],
+            "notes": []}))
+
+    def test_json_of_a_damaged_recording(self):
+        self.patch(DIV, 0, b"\x09")
+        self.cut(DIV, 73)
+        problem = {"problem": "short-file", "file": "./clip/clip_0001.div", "record": 3,
+                   "offset": 72, "text": "the file ends after 3 of 5 records and 1 of the 24 bytes "
+                                         "of the next"}
+        notes = [{"note": "incomplete", "file": "./clip.kpf", "record": None, "offset": 468,
+                  "text": "3 of 5 announced frames are there" + NO_STATUS},
+                 {"note": "sequence", "file": "./clip/clip_0001.div", "record": 0, "offset": 0,
+                  "text": "the record says number 9"}]
+        self.assertEqual(self.json(), (1, {
+            "file": "./clip.kpf", "ok": False, "announced": 5, "written": 3, "placeholders": 0,
+            "problemCount": 1, "noteCount": 2, "firstDamage": problem, "problems": [problem],
+            "notes": notes}))
+
+    def test_json_of_notes_depends_on_strictness(self):
+        self.patch(DIV, 0, b"\x09")
+        code, verdict = self.json()
+        self.assertEqual((code, verdict["ok"], verdict["noteCount"]), (0, True, 1))
+        code, out, _ = self.kpf("verify", "--json", "--strict", "clip.kpf")
+        self.assertEqual((code, json.loads(out)["ok"]), (1, False))
+
+    def test_json_tells_a_failure_too(self):
+        code, out, err = self.kpf("verify", "--json", "none.kpf")
+        self.assertEqual(code, 2)
+        self.assertEqual(json.loads(out), {"error": {
+            "name": "unreadable-input", "text": "none.kpf, byte 0: " + NOT_THERE,
+            "advice": "Give the header file (.kpf) of a recording that you may read.",
+            "exitCode": 2}})
+        self.assertIn("kpf: none.kpf, byte 0: " + NOT_THERE + "\n", err)
+
+    def test_json_tells_wrong_usage_too(self):
+        code, out, err = self.kpf("verify", "--json")
+        self.assertEqual(code, 2)
+        self.assertEqual(json.loads(out)["error"]["name"], "wrong-usage")
+        self.assertIn("FILE", json.loads(out)["error"]["text"])
+        self.assertIn("--help", err)
+
+
+if __name__ == "__main__":
+    unittest.main()
