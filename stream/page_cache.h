@@ -25,6 +25,11 @@ struct ByteRange {
  */
 class PageCache {
  public:
+  /// Linux keeps the pages of small pieces of files that were given back at hand, for each
+  /// processor, and takes these first. Those of larger pieces go back to the memory of the whole
+  /// machine, in which a virtual one may have to ask its host for every page that comes next.
+  static constexpr std::uint64_t kPiece = std::uint64_t{32} << 10;
+
   /// Begins to bring the bytes to the device, without waiting for them.
   virtual void startWriting(int file, ByteRange bytes) noexcept = 0;
 
@@ -34,11 +39,10 @@ class PageCache {
   /// One more descriptor of an open file, which child processes do not inherit; -1: there is none.
   virtual int keepOpen(int file) noexcept = 0;
 
-  /// Fills the pages that `count` records of so many bytes take in `folder`, in no file that
+  /// Fills the pages that so many bytes take in `folder`, piece by piece and in no file that
   /// anybody sees. @return a descriptor that holds them and that child processes do not inherit;
   /// -1: none.
-  virtual int takePages(const std::filesystem::path& folder, std::uint64_t record,
-                        unsigned count) noexcept = 0;
+  virtual int takePages(const std::filesystem::path& folder, std::uint64_t bytes) noexcept = 0;
 
   /// Gives back the pages that takePages took, but those of the first `bytes`.
   virtual void keepPages(int pages, std::uint64_t bytes) noexcept = 0;

@@ -12,9 +12,7 @@ class NoPageCache final : public PageCache {
   void startWriting(int, ByteRange) noexcept override {}
   void dropWritten(int, ByteRange) noexcept override {}
   int keepOpen(int) noexcept override { return -1; }
-  int takePages(const std::filesystem::path&, std::uint64_t, unsigned) noexcept override {
-    return -1;
-  }
+  int takePages(const std::filesystem::path&, std::uint64_t) noexcept override { return -1; }
   void keepPages(int, std::uint64_t) noexcept override {}
   void release(int) noexcept override {}
 };

@@ -120,7 +120,7 @@ void VxKPFPackedStream::writeRecord(const VxKPFPacked& frame) {
   const std::uint64_t begin = index * recordSize;
   writeBehind_.makeRoom(descriptorOf(divFile));
   write(divFile, frame.getHeader(), VxKPFPacked::getHeaderSize());
-  write(divFile, frame.getPackedData(), frame.packedSize);
+  writePixels(frame.getPackedData(), frame.packedSize, begin + VxKPFPacked::getHeaderSize());
   divFile.flush();
   if (divFile.good()) {
     writeBehind_.written(descriptorOf(divFile), begin + recordSize);
@@ -129,6 +129,17 @@ void VxKPFPackedStream::writeRecord(const VxKPFPacked& frame) {
   VxLogger::factory()->vx_log(VX_LOG::kError, "%s: io stream write failed.", "queueFrame");
   ++failedRecords;
   resumeAt(divFile, begin, begin + recordSize);
+}
+
+void VxKPFPackedStream::writePixels(const unsigned char* bytes, std::uint64_t size,
+                                    std::uint64_t at) {
+  while (size > 0) {
+    const std::uint64_t piece = writeBehind_.atOnce(at, size);
+    write(divFile, bytes, static_cast<unsigned>(piece));
+    bytes += piece;
+    at += piece;
+    size -= piece;
+  }
 }
 
 void VxKPFPackedStream::closeDivFile() {

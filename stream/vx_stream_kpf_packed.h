@@ -126,6 +126,7 @@ class VxKPFPackedStream {
   /// What the data file that begins with the next frame will hold if all goes on as announced.
   std::uint64_t bytesOfDivFile() const;
   void writeRecord(const VX_KPF_PACKED::VxKPFPacked& frame);
+  void writePixels(const unsigned char* bytes, std::uint64_t size, std::uint64_t at);
   void closeDivFile();
 
   WriteBehind writeBehind_;

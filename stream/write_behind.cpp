@@ -19,11 +19,11 @@ ByteRange withPieceBefore(ByteRange bytes) {
 // Until so much is written, nothing is dropped.
 void WriteBehind::prepare(const std::filesystem::path& folder, std::uint64_t record,
                           std::uint64_t expected) noexcept {
-  if (expected < kSmall || record < kLargeRecord) return;
+  if (expected < kSmall || record < kLargeRecord || record > kHugeRecord) return;
   record_ = record;
-  const std::uint64_t count = (kWindow + kChunk) / record + 1;
-  held_ = count * record;
-  pages_ = cache_.takePages(folder, record, static_cast<unsigned>(count));
+  held_ = ((kWindow + kChunk) / record + 1) * record;
+  pages_ = cache_.takePages(folder, held_);
+  inPieces_ = pages_ >= 0;
 }
 
 void WriteBehind::givePages() noexcept {

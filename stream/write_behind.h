@@ -3,6 +3,7 @@
 #ifndef WRITE_BEHIND_H
 #define WRITE_BEHIND_H
 
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 
@@ -21,6 +22,7 @@ namespace VLM_KPF {
  *
  * The first records have nothing behind them. Their pages are taken when the recording is prepared,
  * and one record's worth of them is given back before each, as later that of an earlier record.
+ * Records are then written in small pieces, so that they take just the pages given back.
  *
  * No thread, no buffer, nothing that fails. The writer's bytes are with the system before it is
  * told here; a file that will stay small keeps all its pages.
@@ -33,6 +35,8 @@ class WriteBehind {
   static constexpr std::uint64_t kSmall = std::uint64_t{32} << 20;
   // Below this a record takes few pages, and asking for them would cost more than they do.
   static constexpr std::uint64_t kLargeRecord = std::uint64_t{256} << 10;
+  // Above it they are as many as a recording should not take from a disk before its first frame.
+  static constexpr std::uint64_t kHugeRecord = std::uint64_t{64} << 20;
   // Systems hold files in pieces of up to some MiB and give back whole pieces only.
   static constexpr std::uint64_t kLargestPiece = std::uint64_t{8} << 20;
 
@@ -54,6 +58,11 @@ class WriteBehind {
     if (pages_ >= 0) givePages();
     if (tailFile_ >= 0) dropTail();
     if (end_ >= dropped_ + kWindow + kChunk && !staysSmall_) drop(file);
+  }
+
+  /// How many of `left` bytes that come at byte `at` of the file one call should write.
+  std::uint64_t atOnce(std::uint64_t at, std::uint64_t left) const noexcept {
+    return inPieces_ ? std::min(left, PageCache::kPiece - at % PageCache::kPiece) : left;
   }
 
   /// `file` has been written up to byte `end`.
@@ -80,6 +89,7 @@ class WriteBehind {
 
   PageCache& cache_;
   bool staysSmall_ = false;
+  bool inPieces_ = false;      // records are written so that their pages serve again
   std::uint64_t end_ = 0;      // bytes of the file that were written,
   std::uint64_t started_ = 0;  // that are on their way to the device: whole chunks,
   std::uint64_t newest_ = 0;   // that were there before the last record,

@@ -74,7 +74,7 @@ TEST_F(CachedPages, AreDroppedOnlyWhereAsked) {
 
 TEST(SystemPageCache, TakesPagesWithAFileThatNobodySees) {
   const TEST_SUPPORT::TemporaryFolder folder;
-  const int pages = PageCache::system().takePages(folder.path(), 2 * kMiB + 1, 3);
+  const int pages = PageCache::system().takePages(folder.path(), 6 * kMiB + 3);
   if (pages < 0) GTEST_SKIP() << "the file system has no files without a name";
   EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
   EXPECT_NE(fcntl(pages, F_GETFD) & FD_CLOEXEC, 0);
@@ -88,12 +88,12 @@ TEST(SystemPageCache, TakesPagesWithAFileThatNobodySees) {
 TEST(SystemPageCache, TakesNoPagesThatAFileMayNotHave) {
   const TEST_SUPPORT::TemporaryFolder folder;
   const TEST_SUPPORT::FileSizeLimit limit(3 * kMiB);
-  EXPECT_EQ(PageCache::system().takePages(folder.path(), kMiB, 4), -1);
+  EXPECT_EQ(PageCache::system().takePages(folder.path(), 4 * kMiB), -1);
 }
 
 TEST(SystemPageCache, TakesNoPagesInAFolderThatIsGone) {
   const TEST_SUPPORT::TemporaryFolder folder;
-  EXPECT_EQ(PageCache::system().takePages(folder.path() / "gone", kMiB, 1), -1);
+  EXPECT_EQ(PageCache::system().takePages(folder.path() / "gone", kMiB), -1);
 }
 
 TEST(SystemPageCache, TakesAdviceAboutWhatIsNoFile) {

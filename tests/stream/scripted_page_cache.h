@@ -25,9 +25,8 @@ class ScriptedPageCache final : public VLM_KPF::PageCache {
     said_ += "keep " + std::to_string(file) + "\n";
     return full ? -1 : file + kKept;
   }
-  int takePages(const std::filesystem::path& folder, std::uint64_t record,
-                unsigned count) noexcept override {
-    note("take", (folder / "").parent_path().filename().string(), {0, record * count});
+  int takePages(const std::filesystem::path& folder, std::uint64_t bytes) noexcept override {
+    note("take", (folder / "").parent_path().filename().string(), {0, bytes});
     return full ? -1 : kTaken;
   }
   void keepPages(int pages, std::uint64_t bytes) noexcept override {

@@ -10,6 +10,7 @@
 
 namespace {
 
+using VLM_KPF::PageCache;
 using VLM_KPF::WriteBehind;
 constexpr std::uint64_t kMiB = ScriptedPageCache::kMiB;
 constexpr int kFile = 5;
@@ -154,10 +155,19 @@ TEST_F(WriteBehindTest, TheFirstRecordsHaveTheirPagesBeforehand) {
   EXPECT_EQ(cache.said(), "drop 5 0-4\nstart 5 12-16\n");
 }
 
-TEST_F(WriteBehindTest, SmallFilesAndSmallRecordsTakeNoPagesBeforehand) {
+TEST_F(WriteBehindTest, RecordsWithPagesBeforehandAreWrittenPieceByPiece) {
+  EXPECT_EQ(behind.atOnce(16, 4 * kMiB), 4 * kMiB);
+  behind.prepare("data", 4 * kMiB, WriteBehind::kSmall);
+  EXPECT_EQ(behind.atOnce(16, 4 * kMiB), PageCache::kPiece - 16);
+  EXPECT_EQ(behind.atOnce(PageCache::kPiece, 4 * kMiB), PageCache::kPiece);
+  EXPECT_EQ(behind.atOnce(5 * PageCache::kPiece, 100), 100U);
+}
+
+TEST_F(WriteBehindTest, SmallFilesAndSmallOrHugeRecordsTakeNoPagesBeforehand) {
   behind.prepare("data", 4 * kMiB, WriteBehind::kSmall - 1);
   EXPECT_EQ(cache.said(), "");
   behind.prepare("data", WriteBehind::kLargeRecord - 1, WriteBehind::kSmall);
+  behind.prepare("data", WriteBehind::kHugeRecord + 1, 1024 * kMiB);
   EXPECT_EQ(cache.said(), "");
   behind.prepare("data", WriteBehind::kLargeRecord, WriteBehind::kSmall);
   EXPECT_EQ(cache.said(), "take data 0-10+\n");
@@ -167,6 +177,7 @@ TEST_F(WriteBehindTest, WithoutPagesBeforehandTheFirstRecordsTakeFreshOnes) {
   cache.full = true;
   behind.prepare("data", 4 * kMiB, WriteBehind::kSmall);
   EXPECT_EQ(cache.said(), "take data 0-12\n");
+  EXPECT_EQ(behind.atOnce(16, 4 * kMiB), 4 * kMiB);
   add(kFile, 4 * kMiB);
   EXPECT_EQ(cache.said(), "start 5 0-4\n");
 }

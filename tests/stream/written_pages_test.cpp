@@ -1,10 +1,16 @@
 // What a writer asks about the pages of its data files.
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <string>
-#include "tests/stream/scripted_page_cache.h"
 
+#include "tests/stream/scripted_page_cache.h"
 #include "tests/stream/stream_test.h"
+#ifndef _WIN32
+#include "tests/support/file_size_limit.h"
+#endif
 
 namespace {
 
@@ -74,7 +80,52 @@ TEST_F(WrittenPages, OfTheLastWindowAreLeftAfterTheLastFrame) {
   EXPECT_EQ(cache.said(), "");
 }
 
+/// A frame of 2 MiB whose every byte tells where it is.
+std::unique_ptr<VX_KPF_PACKED::VxKPFPacked> frameFrom(unsigned first, TEST_SUPPORT::Bytes& record) {
+  record.resize(2U << 20);
+  std::uint32_t state = first;
+  for (unsigned char& byte : record) {
+    state = state * 1664525U + 1013904223U;
+    byte = static_cast<unsigned char>(state >> 24U);
+  }
+  auto frame = std::make_unique<VX_KPF_PACKED::VxKPFPacked>();
+  frame->setPackedData(record.data(), 2U << 20, (2U << 20) - 16, 1, 8);
+  return frame;
+}
+
+TEST_F(WrittenPages, HoldWhatOneWriteWouldLeave) {
+  TEST_SUPPORT::Bytes expected;
+  for (unsigned n = 1; n <= 3; ++n) {
+    TEST_SUPPORT::Bytes record;
+    writer.addFrame(frameFrom(n, record));
+    expected.insert(expected.end(), record.begin() + 16, record.end());
+  }
+  writer.closeStream();
+  TEST_SUPPORT::Bytes pixels = divBytes("0001");
+  ASSERT_EQ(pixels.size(), 6U << 20);
+  for (int n = 2; n >= 0; --n) {
+    const auto header = pixels.begin() + n * (2 << 20);
+    pixels.erase(header, header + 16);
+  }
+  EXPECT_TRUE(pixels == expected);
+}
+
 #ifndef _WIN32
+TEST_F(WrittenPages, OfATornRecordAreCutOff) {
+  writer.vxAddPlaceholderFrame();
+  TEST_SUPPORT::Bytes record;
+  {
+    const TEST_SUPPORT::FileSizeLimit limit((2U << 20) + 100000);
+    writer.addFrame(frameFrom(1, record));
+  }
+  EXPECT_EQ(divBytes("0001").size(), 2U << 20);
+  writer.addFrame(frameFrom(2, record));
+  const TEST_SUPPORT::Bytes bytes = divBytes("0001");
+  ASSERT_EQ(bytes.size(), 6U << 20);
+  EXPECT_TRUE(std::all_of(bytes.begin(), bytes.begin() + (4 << 20), [](int b) { return b == 0; }));
+  EXPECT_TRUE(std::equal(bytes.begin() + (4 << 20) + 16, bytes.end(), record.begin() + 16));
+}
+
 TEST_F(WrittenPages, AreNotAskedForWhenTheWriteFailed) {
   std::filesystem::create_symlink("/dev/full", folder.path() / "rec" / "rec_0001.div");
   EXPECT_EQ(add(20).find("start"), std::string::npos);

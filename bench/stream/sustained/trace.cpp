@@ -33,9 +33,8 @@ class TimedPageCache final : public PageCache {
     wait += secondsOf([&] { system().dropWritten(file, bytes); });
   }
   int keepOpen(int file) noexcept override { return system().keepOpen(file); }
-  int takePages(const std::filesystem::path& folder, std::uint64_t record,
-                unsigned count) noexcept override {
-    return system().takePages(folder, record, count);
+  int takePages(const std::filesystem::path& folder, std::uint64_t bytes) noexcept override {
+    return system().takePages(folder, bytes);
   }
   void keepPages(int pages, std::uint64_t bytes) noexcept override {
     wait += secondsOf([&] { system().keepPages(pages, bytes); });

@@ -26,7 +26,7 @@ OpenWriter openTraced(std::vector<Stages>& stages);
 void printSlowest(const std::vector<Stages>& stages, unsigned count);
 
 /// Prints what a call costs that adds a frame of 64 x 64 pixels at 8 bits, beside the same writer
-/// whose advice reaches nobody.
+/// whose advice reaches nobody: in short recordings and in long ones.
 void printSmallFrames(const std::string& parent);
 
 }  // namespace BENCH
