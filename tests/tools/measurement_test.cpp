@@ -7,9 +7,12 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "tests/tools/waveforms.h"
+#include "tools/kpf/probing/files.h"
+#include "tools/kpf/terminal/tool_error.h"
 
 namespace {
 
@@ -18,15 +21,18 @@ using namespace KPF_TOOL;
 constexpr double kRate = 100;
 constexpr std::uint64_t kFrames = 120;
 
-/// The scene's disc, which swings by half a pixel at 5 Hz.
+/// The scene's disc, which swings by half a pixel at 5 Hz. Somebody cuts it off behind `there`
+/// frames.
 class SwingingDisc : public FrameSource {
  public:
+  explicit SwingingDisc(std::uint64_t there = kFrames) : there_(there) {}
+
   unsigned width() const override { return Scene::kWidth; }
   unsigned height() const override { return Scene::kHeight; }
   Samples samples() const override { return Samples::k8Bit; }
   double frameRate() const override { return kRate; }
   std::uint64_t frameCount() const override { return kFrames; }
-  bool next() override { return given_++ < kFrames; }
+  bool next() override { return given_++ < there_; }
   void copyTo(unsigned char* out, std::size_t) override {
     const auto frame = scene_.frame(swing(5, kRate, given_ - 1, 0.5), 0);
     std::copy(frame.begin(), frame.end(), out);
@@ -36,6 +42,7 @@ class SwingingDisc : public FrameSource {
 
  private:
   Scene scene_{0.5};
+  std::uint64_t there_;
   std::uint64_t given_ = 0;
 };
 
@@ -52,6 +59,13 @@ class MeasurementTest : public testing::Test {
                  kRate,
                  {0, kFrames - 1},
                  kFrames};
+  /// From the second pass on so many frames are left.
+  void shrinkBetweenPasses(std::uint64_t left) {
+    probed_.open = [left, passes = 0]() mutable {
+      return std::make_unique<SwingingDisc>(passes++ == 0 ? kFrames : left);
+    };
+  }
+
   std::vector<std::uint64_t> told_;
   ProbeProgress progress_ = [this](std::uint64_t frames) { told_.push_back(frames); };
 };
@@ -61,6 +75,34 @@ TEST_F(MeasurementTest, ReadsTheFramesTwice) {
   ASSERT_TRUE(found.suggestedFrequency());
   EXPECT_NEAR(*found.suggestedFrequency(), 5, 0.1);
   expectProgressTo(2 * kFrames);
+}
+
+TEST_F(MeasurementTest, WhatGoesAwayBetweenThePassesIsLostAndTold) {
+  shrinkBetweenPasses(100);
+  const Measurement found = measure(probed_, {28, 20, 8, 8}, progress_);
+  EXPECT_EQ(found.flaw, "20 of 120 frames went away meanwhile");
+  ASSERT_EQ(found.x.waveform.values().size(), kFrames);
+  const std::vector<bool> lost = found.lost();
+  EXPECT_EQ(std::count(lost.begin(), lost.end(), true), 20);
+  EXPECT_FALSE(lost[99]);
+  EXPECT_TRUE(lost[100]);
+  // The table has a row for each, and says which were measured.
+  const std::string table = waveformTable(found, 0, std::nullopt);
+  EXPECT_NE(table.find("\n99,0.99,0,"), std::string::npos);
+  EXPECT_NE(table.find("\n119,1.19,1,"), std::string::npos);
+}
+
+TEST_F(MeasurementTest, WhatGoesAwayBetweenThePassesOfAMapIsTold) {
+  shrinkBetweenPasses(100);
+  const MapResult found = mapOfDominance(probed_, progress_);
+  EXPECT_EQ(found.flaw, "20 of 120 frames went away meanwhile");
+  EXPECT_EQ(found.lost, 20U);
+}
+
+TEST_F(MeasurementTest, AnotherRecordingInItsPlaceIsAnError) {
+  --probed_.layout.width;
+  EXPECT_THROW(measure(probed_, {28, 20, 8, 8}, progress_), ToolError);
+  EXPECT_THROW(mapOfFrequency(probed_, 5, progress_), ToolError);
 }
 
 TEST_F(MeasurementTest, AMapOfOneFrequencyTakesOnePass) {

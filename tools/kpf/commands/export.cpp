@@ -91,6 +91,8 @@ class Copy {
     if (rows_.empty()) {
       const auto source = openRecording(options_.file, source_.samples());
       rows_ = frameBefore(*source, number);
+      // Another recording may have taken its place.
+      rows_.resize(source_.frameSize());
     }
     shown_ = lost_.add(number, output_, rows_.data(), rows_.size()) || shown_;
   }

@@ -171,6 +171,12 @@ void writeFiles(const ProbeOptions& options, const Report& report) {
   if (!options.map.empty()) writeMap(to(options.map), *report.map, report.rate);
 }
 
+/// Box and map read the recording one after the other, and what one had the other may miss.
+std::string flawOf(const Report& report) {
+  if (report.map && !report.map->flaw.empty()) return report.map->flaw;
+  return report.box ? report.box->flaw : "";
+}
+
 Outcome runProbe(const ProbeOptions& options) {
   checkOptions(options);
   const Probed probed = probedOf(options);
@@ -194,7 +200,7 @@ Outcome runProbe(const ProbeOptions& options) {
   } else {
     printReport(report);
   }
-  return endOf(report.box ? report.box->flaw : report.map->flaw, options.file);
+  return endOf(flawOf(report), options.file);
 }
 
 }  // namespace

@@ -1,33 +1,59 @@
 #include "tools/kpf/probing/measurement.h"
 
+#include <fmt/format.h>
+
+#include <algorithm>
 #include <cstddef>
 #include <utility>
 
 #include "tools/kpf/analysis/candidates.h"
 #include "tools/kpf/analysis/frame_batch.h"
 #include "tools/kpf/analysis/stretches.h"
+#include "tools/kpf/terminal/tool_error.h"
 
 namespace KPF_TOOL {
 namespace {
 
 constexpr std::size_t kMapFrequencies = 6;
 
-/// Calls `found` or `lost` for every frame of the range; `found` has the frame to copy.
+/// Opens what is probed. It may have changed since it was looked at: each pass opens it anew.
+std::unique_ptr<FrameSource> opened(const Probed& probed) {
+  auto source = probed.open();
+  if (source->width() != probed.layout.width || source->height() != probed.layout.height ||
+      source->samples() != probed.layout.samples) {
+    throw ToolError(Outcome::kCutShort, "another recording has taken its place meanwhile",
+                    "Try again when nobody records under this name.");
+  }
+  return source;
+}
+
+/// Calls `found` or `lost` for every frame of the range; `found` has the frame to copy. Frames
+/// behind an end that came early are lost ones: all passes are of one length.
 /// @return the flaw of the recording, see FrameSource::flaw.
 template <class Found, class Lost>
 std::string readFrames(const Probed& probed, std::uint64_t before, const ProbeProgress& progress,
                        Found found, Lost lost) {
-  const auto source = probed.open();
+  const auto source = opened(probed);
   source->skip(probed.range.first());
-  for (std::uint64_t n = 0; n < probed.frames && source->next(); ++n) {
-    if (source->lost()) {
+  std::uint64_t gone = 0;
+  for (std::uint64_t n = 0; n < probed.frames; ++n) {
+    const bool there = source->next();
+    if (!there) ++gone;
+    if (!there || source->lost()) {
       lost();
     } else {
       found(*source);
     }
     progress(before + n + 1);
   }
-  return source->flaw();
+  const std::string flaw = source->flaw();
+  if (!flaw.empty() || gone == 0) return flaw;
+  return fmt::format("{} of {} frames went away meanwhile", gone, probed.frames);
+}
+
+/// Of two passes. What was lost before the first is lost in the second too.
+std::string laterFlaw(const std::string& first, const std::string& second) {
+  return second.empty() ? first : second;
 }
 
 /// Passes every frame through batches to what maps them. @return how many were lost, and the flaw.
@@ -61,6 +87,12 @@ double resolutionOf(const Probed& probed, const Stretches& stretches) {
 Course::Course(const Waveform& of)
     : waveform(of), spectrum(spectrumOf(of)), peaks(peaksOf(spectrum, kCoursePeaks)) {}
 
+std::vector<bool> Measurement::lost() const {
+  std::vector<bool> lost = brightness.waveform.lost();
+  for (std::size_t n = 0; n < lost.size(); ++n) lost[n] = lost[n] || x.waveform.lost()[n];
+  return lost;
+}
+
 std::optional<double> Measurement::suggestedFrequency() const {
   const Peak* best = nullptr;
   for (const Course* course : {&x, &y, &brightness}) {
@@ -87,7 +119,7 @@ Measurement measure(const Probed& probed, const Box& box, const ProbeProgress& p
       },
       [&brightness] { brightness.addLost(); });
   Displacement displacement(box, mean, probed.rate);
-  readFrames(
+  const std::string flawOfSecond = readFrames(
       probed, probed.frames, progress,
       [&](FrameSource& source) { displacement.add(copied(source)); },
       [&displacement] { displacement.addLost(); });
@@ -97,7 +129,7 @@ Measurement measure(const Probed& probed, const Box& box, const ProbeProgress& p
           Course(displacement.y()),
           displacement.qualityOfX(),
           displacement.qualityOfY(),
-          flaw};
+          laterFlaw(flaw, flawOfSecond)};
 }
 
 MapResult mapOfFrequency(const Probed& probed, double frequency, const ProbeProgress& progress) {
@@ -110,11 +142,15 @@ MapResult mapOfFrequency(const Probed& probed, double frequency, const ProbeProg
 MapResult mapOfDominance(const Probed& probed, const ProbeProgress& progress) {
   const Stretches stretches = Stretches::of(probed.frames);
   Candidates candidates(probed.layout, stretches, probed.rate);
-  const auto [lost, flaw] = readBatches(probed, 0, progress, candidates);
+  auto [lost, flaw] = readBatches(probed, 0, progress, candidates);
   const std::vector<double> frequencies = candidates.frequencies(kMapFrequencies);
   SwingMap map(probed.layout, stretches, probed.rate, frequencies);
   // Where nothing swings nothing is left to look at.
-  if (!frequencies.empty()) readBatches(probed, probed.frames, progress, map);
+  if (!frequencies.empty()) {
+    const auto [lostOfSecond, flawOfSecond] = readBatches(probed, probed.frames, progress, map);
+    lost = std::max(lost, lostOfSecond);
+    flaw = laterFlaw(flaw, flawOfSecond);
+  }
   return {map.dominant(), std::nullopt, frequencies, resolutionOf(probed, stretches), lost, flaw};
 }
 

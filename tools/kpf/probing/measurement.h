@@ -49,6 +49,8 @@ struct Measurement {
   AxisQuality qualityOfX, qualityOfY;
   std::string flaw;  // of the recording, see FrameSource::flaw
 
+  /// The frames that either pass did not have: what went away in between was never measured whole.
+  std::vector<bool> lost() const;
   /// The frequency that stands out of the noise most, in hertz.
   std::optional<double> suggestedFrequency() const;
 };

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <utility>
+#include <vector>
 
 #include "tools/kpf/terminal/text.h"
 
@@ -43,11 +45,12 @@ void printBox(const Report& report) {
   const Spectrum& spectrum = found.brightness.spectrum;
   line("box", "{} x {} pixels at {},{}", found.box.width, found.box.height, found.box.x,
        found.box.y);
+  const std::vector<bool> all = found.lost();
+  const auto lost = std::count(all.begin(), all.end(), true);
   line("lost", "{}",
-       found.brightness.waveform.lostFrames() == 0
+       lost == 0
            ? "none"
-           : countText(found.brightness.waveform.lostFrames(), "frame") +
-                 ", bridged by a straight line");
+           : countText(static_cast<std::uint64_t>(lost), "frame") + ", bridged by a straight line");
   line("limits", "resolution {:.4g} Hz; above {:g} Hz (half the frame rate) nothing is told apart",
        spectrum.resolution, spectrum.nyquist);
   line("brightness", "{:.2f} levels on average", found.brightness.waveform.mean());
@@ -98,7 +101,7 @@ Json axisJson(const Course& course, const AxisQuality& quality, std::optional<do
 
 Json boxJson(const Report& report) {
   const Measurement& found = *report.box;
-  const auto& lost = found.brightness.waveform.lost();
+  const std::vector<bool> lost = found.lost();
   Json lostFrames = Json::array();
   for (std::size_t n = 0; n < lost.size(); ++n) {
     if (lost[n]) lostFrames.push_back(n);

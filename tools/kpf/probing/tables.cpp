@@ -49,11 +49,12 @@ std::string waveformTable(const Measurement& found, std::uint64_t first,
   std::string table = "frame,seconds,lost,brightness,x,y";
   table += scale ? ",x_mm,y_mm\n" : "\n";
   const Waveform& brightness = found.brightness.waveform;
+  const std::vector<bool> lost = found.lost();
   for (std::size_t n = 0; n < brightness.values().size(); ++n) {
     const double x = found.x.waveform.values()[n], y = found.y.waveform.values()[n];
     table +=
         fmt::format("{},{:.9g},{},{:.9g},{},{}", first + n,
-                    static_cast<double>(n) / brightness.rate(), brightness.lost()[n] ? 1 : 0,
+                    static_cast<double>(n) / brightness.rate(), lost[n] ? 1 : 0,
                     brightness.values()[n], cell(found.qualityOfX, x), cell(found.qualityOfY, y));
     if (scale) {
       table += fmt::format(",{},{}", cell(found.qualityOfX, x * *scale),

@@ -97,11 +97,13 @@ class LiveAmplifier::Window {
     ++next_;
   }
 
-  /// The recording may have grown.
+  /// The recording may have grown, or made room for another.
   void openAgain() {
     source_ = openRecording(recording_, Samples::k8Bit);
     source_->skip(next_);
-    if (!source_->next()) throw wrong("there is no such frame", "Choose an earlier one.");
+    if (source_->frameSize() != frame_.size() || !source_->next()) {
+      throw wrong("there is no such frame", "Choose an earlier one.");
+    }
   }
 
   void keep() {
