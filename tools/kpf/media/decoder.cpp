@@ -1,23 +1,12 @@
 #include "tools/kpf/media/decoder.h"
 
-#include <atomic>
-#include <cstdarg>
 #include <limits>
-#include <string_view>
 #include <utility>
+
+#include "tools/kpf/media/ffmpeg_log.h"
 
 namespace KPF_TOOL {
 namespace {
-
-/// Lines of errors in FFmpeg's log, which nobody sees: they are told in the tool's own words.
-std::atomic<std::uint64_t> complaints;
-
-void countComplaint(void*, int level, const char* format, va_list) {
-  if (level > AV_LOG_ERROR) return;
-  // Many a camera's JPEG has an odd remark in front of a picture that is whole.
-  if (std::string_view(format).starts_with("unable to decode APP")) return;
-  ++complaints;
-}
 
 /// Formats with frames out of order have decoders that mend and mark; that of HEVC only logs.
 bool marksDamage(const AVCodec& codec) {
@@ -38,7 +27,7 @@ Decoder::Decoder(const AVCodec& codec, const AVCodecParameters& parameters, Next
       packet_(av_packet_alloc()),
       frame_(av_frame_alloc()),
       marksDamage_(marksDamage(codec)) {
-  av_log_set_callback(countComplaint);
+  listenToFFmpeg();
   avcodec_parameters_to_context(codec_.get(), &parameters);
   codec_->thread_count = 0;  // as many as there are cores
   codec_->thread_type = FF_THREAD_SLICE;
@@ -74,7 +63,7 @@ bool Decoder::nextIsLost() {
 
 bool Decoder::decode() {
   for (;;) {
-    const std::uint64_t before = complaints;
+    const std::uint64_t before = logCounts().errors;
     const int result = avcodec_receive_frame(codec_.get(), frame_.get());
     if (result == AVERROR_EOF) return false;
     if (result == AVERROR(EAGAIN)) {
@@ -95,14 +84,14 @@ void Decoder::feed() {
   packetTime_ = firstKnown(packet_->pts, packet_->dts);
   packetCounts_ = !(packet_->flags & AV_PKT_FLAG_DISCARD);
   const bool torn = (packet_->flags & AV_PKT_FLAG_CORRUPT) != 0;
-  const std::uint64_t before = complaints;
+  const std::uint64_t before = logCounts().errors;
   const int result = avcodec_send_packet(codec_.get(), packet_.get());
   av_packet_unref(packet_.get());
   watch(torn ? AVERROR_INVALIDDATA : result, before);
 }
 
-void Decoder::watch(int result, std::uint64_t complaintsBefore) {
-  const bool complained = !marksDamage_ && complaints != complaintsBefore;
+void Decoder::watch(int result, std::uint64_t errorsBefore) {
+  const bool complained = !marksDamage_ && logCounts().errors != errorsBefore;
   if (!packetCounts_ || (result >= 0 && !complained)) return;
   if (packetTime_ != AV_NOPTS_VALUE) {
     spoilt_.insert(packetTime_);

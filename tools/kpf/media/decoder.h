@@ -42,7 +42,7 @@ class Decoder {
  private:
   bool decode();
   void feed();
-  void watch(int result, std::uint64_t complaintsBefore);
+  void watch(int result, std::uint64_t errorsBefore);
   bool nextIsLost();
 
   NextPacket nextPacket_;

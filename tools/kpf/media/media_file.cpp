@@ -7,6 +7,8 @@
 #include <string_view>
 
 #include "tools/kpf/files/image_pattern.h"
+#include "tools/kpf/media/container_end.h"
+#include "tools/kpf/media/ffmpeg_log.h"
 #include "tools/kpf/media/stream_remarks.h"
 #include "tools/kpf/terminal/interrupt.h"
 #include "tools/kpf/terminal/text.h"
@@ -18,11 +20,14 @@ namespace {
 constexpr const char* kAdvice =
     "Give a video file, an image pattern (frame_%04d.png), a camera (/dev/video0) or - .";
 constexpr const char* kPipeAdvice =
-    "MP4 and MOV cannot be piped, give the file itself; of bare frames say what they are by --raw.";
+    "MP4 and MOV cannot be piped, give the file itself; of bare frames say what "
+    "they "
+    "are by --raw.";
 
 // Frames by which a file may end before its own length: containers round, and count the last one
 // or do not.
 constexpr double kFramesOfDoubt = 2.5;
+constexpr double kRounding = 0.5;
 // Seconds more where there is sound, whose packets are longer and padded.
 constexpr double kDoubtOfSound = 0.2;
 
@@ -39,10 +44,14 @@ const AVInputFormat* cameraFormat(const std::string& name) {
 }
 #endif
 
-/// How long the file says that the longest of its streams is, which need not be the video.
-double announcedSeconds(const AVFormatContext& format, const AVStream& video) {
+/// How long the file says that the longest of its streams is, which need not be the video; 0 where
+/// it does not. @param stated the bytes that it says there are.
+double announcedSeconds(const AVFormatContext& format, const AVStream& video,
+                        std::uint64_t stated) {
   const double seconds = static_cast<double>(format.duration) / AV_TIME_BASE;
   if (std::string_view(format.iformat->name) != "avi") return seconds;
+  // A recorder that could not go back, or was killed, has left a guess in both places.
+  if (stated == 0) return 0;
   // Of these FFmpeg shortens the length to what the size of the file has room for.
   return std::max(seconds, static_cast<double>(video.nb_frames) * av_q2d(video.time_base));
 }
@@ -68,13 +77,13 @@ class Options {
 }  // namespace
 
 MediaFile::MediaFile(const std::string& name, const MediaHints& hints)
-    : name_(name), hints_(hints) {
+    : name_(name), hints_(hints), earlyEndsBefore_(logCounts().earlyEnds) {
   open();
   findVideo();
 }
 
 void MediaFile::open() {
-  av_log_set_level(AV_LOG_QUIET);  // what goes wrong is told in the tool's own words
+  listenToFFmpeg();
   Options options;
   const AVInputFormat* kind = nullptr;
   if (isCamera(name_)) {
@@ -104,7 +113,7 @@ void MediaFile::open() {
   if (result < 0) {
     throw ToolError(Outcome::kUnreadableInput,
                     fmt::format("cannot open {}: {}", escaped(name_), ffmpegError(result)),
-                    io_ && !(io_->seekable & AVIO_SEEKABLE_NORMAL) ? kPipeAdvice : kAdvice);
+                    input_.io() != nullptr && input_.isPipe() ? kPipeAdvice : kAdvice);
   }
   format_.reset(format);
 }
@@ -120,9 +129,7 @@ void MediaFile::allow(AVFormatContext& format) {
   format.protocol_whitelist = av_strdup("none");
   if (isCamera(name_)) return;
   const std::string url = name_ == "-" ? "pipe:0" : "file:" + name_;
-  AVIOContext* io = nullptr;
-  const int result =
-      avio_open2(&io, url.c_str(), AVIO_FLAG_READ, &format.interrupt_callback, nullptr);
+  const int result = input_.open(url, format.interrupt_callback);
   if (result < 0) {
     AVFormatContext* unused = &format;
     avformat_close_input(&unused);
@@ -130,8 +137,7 @@ void MediaFile::allow(AVFormatContext& format) {
                     fmt::format("cannot open {}: {}", escaped(name_), ffmpegError(result)),
                     kAdvice);
   }
-  io_.reset(io);
-  format.pb = io;
+  format.pb = input_.io();
 }
 
 void MediaFile::findVideo() {
@@ -168,8 +174,10 @@ void MediaFile::note(const AVPacket& packet) {
   if (packet.stream_index == stream_) ++packets_;
   bytes_ = std::max(bytes_, packet.pos + packet.size);
   newest_ = packet.pos;
-  if (packet.pts == AV_NOPTS_VALUE) return;
-  const double end = static_cast<double>(packet.pts + packet.duration) *
+  // Some containers tell the time of decoding alone.
+  const std::int64_t time = packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts;
+  if (time == AV_NOPTS_VALUE) return;
+  const double end = static_cast<double>(time + packet.duration) *
                      av_q2d(format_->streams[packet.stream_index]->time_base);
   // A length counts from 0 where the first frame comes later, and from the first frame where that
   // comes before, as with sound that a player leaves out.
@@ -182,6 +190,8 @@ void MediaFile::note(const AVPacket& packet) {
 const char* MediaFile::tornPart() const {
   const std::string_view container(format_->iformat->name);
   if (container == "yuv4mpegpipe" && avio_tell(format_->pb) > bytes_) return "frame";
+  // Its frames have one size, and FFmpeg fills what is missing of the last one.
+  if (container == "dv" && static_cast<std::uint64_t>(bytes_) > input_.size()) return "frame";
   // All packets of a transport stream have one size, and it may begin within any of them.
   std::int64_t size = 0;
   if (container != "mpegts" || newest_ < 0 ||
@@ -204,14 +214,31 @@ void MediaFile::noteEnd(int result) {
         fmt::format("{} cannot be read any further: {}", escaped(name_), ffmpegError(result));
   } else if (const char* const torn = tornPart()) {
     trouble_ = fmt::format("{} ends within a {}", escaped(name_), torn);
-  } else if (format_->duration > 0 && frameRate_ > 0 &&
-             format_->duration_estimation_method == AVFMT_DURATION_FROM_STREAM) {
-    const double announced = announcedSeconds(*format_, stream());
-    const double doubt =
-        kFramesOfDoubt / frameRate_ + (format_->nb_streams > 1 ? kDoubtOfSound : 0);
-    if (announced - end_ <= doubt) return;
-    trouble_ = fmt::format("{} ends after {:.2f} of {:.2f} s", escaped(name_), end_, announced);
+  } else if (trouble_ = earlyEnd(); trouble_.empty()) {
+    trouble_ = missingPart();
   }
+}
+
+/// Whether the input is shorter, in seconds, than it says.
+std::string MediaFile::earlyEnd() const {
+  if (format_->duration <= 0 || frameRate_ <= 0 ||
+      format_->duration_estimation_method != AVFMT_DURATION_FROM_STREAM) {
+    return "";
+  }
+  const std::uint64_t stated = statedSize(*format_, input_);
+  const double announced = announcedSeconds(*format_, stream(), stated);
+  const double doubt = kFramesOfDoubt / frameRate_ + (format_->nb_streams > 1 ? kDoubtOfSound : 0);
+  // Where bytes are missing, too, nothing is left of the doubt but the rounding of times.
+  if (announced - end_ <= (stated > input_.size() ? kRounding / frameRate_ : doubt)) return "";
+  return fmt::format("{} ends after {:.2f} of {:.2f} s", escaped(name_), end_, announced);
+}
+
+/// Whether the container itself is cut off.
+std::string MediaFile::missingPart() const {
+  if (input_.io() == nullptr) return "";
+  std::string part = missingEnd(*format_, stream_, input_, static_cast<std::uint64_t>(bytes_));
+  if (logCounts().earlyEnds != earlyEndsBefore_) part = "the end of what it began last";
+  return part.empty() ? "" : fmt::format("{} is cut off: {} is missing", escaped(name_), part);
 }
 
 }  // namespace KPF_TOOL

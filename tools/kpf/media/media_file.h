@@ -3,12 +3,12 @@
 #define KPF_MEDIA_FILE_H
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "tools/kpf/media/ffmpeg.h"
 #include "tools/kpf/media/media.h"
+#include "tools/kpf/media/watched_input.h"
 
 namespace KPF_TOOL {
 
@@ -44,14 +44,13 @@ class MediaFile {
   void note(const AVPacket& packet);
   void noteEnd(int result);
   const char* tornPart() const;
-
-  struct CloseIo {
-    void operator()(AVIOContext* io) const { avio_close(io); }
-  };
+  std::string earlyEnd() const;
+  std::string missingPart() const;
 
   std::string name_;
   MediaHints hints_;
-  std::unique_ptr<AVIOContext, CloseIo> io_;  // outlives the format that reads from it
+  std::uint64_t earlyEndsBefore_;  // in FFmpeg's log
+  WatchedInput input_;             // outlives the format that reads from it
   InputPtr format_;
   const AVCodec* codec_ = nullptr;
   int stream_ = -1;  // of the container's streams, the one that is decoded

@@ -61,10 +61,12 @@ MediaInput::MediaInput(const std::string& name, Samples samples, const MediaHint
       width_(static_cast<unsigned>(decoder_.context().width)),
       height_(static_cast<unsigned>(decoder_.context().height)) {
   if (decoder_.status() >= 0 && width_ > 0 && height_ > 0) return;
-  throw ToolError(
-      Outcome::kUnreadableInput,
-      fmt::format("cannot decode {}: {}", escaped(name_), ffmpegError(decoder_.status())),
-      "Give a video that this FFmpeg can decode.");
+  const std::string why =
+      decoder_.status() < 0 ? ffmpegError(decoder_.status()) : "its frames tell no size";
+  throw ToolError(Outcome::kUnreadableInput,
+                  fmt::format("cannot decode {}: {}", escaped(name_), why),
+                  name_ == "-" ? "MP4 and MOV cannot be piped, give the file itself."
+                               : "Give a video that this FFmpeg can decode.");
 }
 
 bool MediaInput::next() {

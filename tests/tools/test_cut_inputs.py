@@ -1,0 +1,142 @@
+"""kpf record of inputs that break off: told wherever the container itself tells, and only there."""
+import os
+import shutil
+import subprocess
+import unittest
+
+from videos import FFPROBE, MediaInput, ramp, y4m
+
+FFMPEG = shutil.which("ffmpeg")
+FRAMES = 50
+PNG = ("-c:v", "png", "-pix_fmt", "gray")
+# By the name of the file: how it is encoded, and what is said of one that lacks its last frame.
+CONTAINERS = {
+    "v.avi": (PNG, "ends after 1.96 of 2.00 s"),
+    "front.mov": ((*PNG, "-movflags", "+faststart"), "what its index names is missing"),
+    "pieces.mp4": (("-c:v", "mpeg4", "-g", "10", "-movflags", "frag_keyframe+empty_moov"),
+                   "what its index names is missing"),
+    "v.mkv": (PNG, "the end of what it began last is missing"),
+    "live.mkv": ((*PNG, "-live", "1"), "the end of what it began last is missing"),
+    "v.ogv": (("-c:v", "libtheora"), "the mark of its end is missing"),
+    "v.apng": (("-c:v", "apng", "-pix_fmt", "gray"), "the mark of its end is missing"),
+    "v.nut": (PNG, "cannot be read any further"),
+    "v.wmv": (("-c:v", "wmv2"), r"what its header counts is missing|ends after 1.\d\d of 2.00 s"),
+    "v.gif": ((), "the mark of its end is missing"),
+}
+
+
+@unittest.skipUnless(FFMPEG and FFPROBE, "needs ffmpeg and ffprobe to make a video")
+class CutInputs(MediaInput):
+    def setUp(self):
+        super().setUp()
+        # Noise enough that frames take more bytes than a container's odds and ends.
+        self.write("long.y4m", y4m([ramp(n * n, 64 * 48, step=n * 37 + 3) for n in range(FRAMES)],
+                                   64, 48))
+
+    def encode(self, name, *codec, to=None):
+        subprocess.run([FFMPEG, "-v", "error", "-i", "long.y4m", *codec, to or name],
+                       cwd=self.folder, check=True, stdin=subprocess.DEVNULL, timeout=60)
+        return self.read(name) if to is None else b""
+
+    def encode_into_pipe(self, name, container, *codec):
+        """As a program that cannot go back to its beginning leaves it."""
+        with open(self.path(name), "wb") as file:
+            subprocess.run([FFMPEG, "-v", "error", "-i", "long.y4m", *codec, "-f", container, "-"],
+                           cwd=self.folder, check=True, stdin=subprocess.DEVNULL, stdout=file,
+                           timeout=60)
+
+    def packets(self, name):
+        out = subprocess.run([FFPROBE, "-v", "error", "-select_streams", "v", "-show_entries",
+                              "packet=pos,size", "-of", "csv=p=0", name], cwd=self.folder,
+                             capture_output=True, check=True, text=True, timeout=60).stdout
+        return [tuple(int(part) for part in line.split(",")[:2]) for line in out.split()]
+
+    def check_whole(self, name, frames=FRAMES):
+        code, _, err = self.kpf("record", name, "out.kpf", "--force", *self.start)
+        self.assertEqual((code, self.announced()), (0, frames), (name, err))
+
+    def check_cut(self, name, whole, size, said="kpf: "):
+        """Recorded from the file, and where it can be piped from there, code and line say so."""
+        self.write("cut-" + name, whole[:size])
+        code, _, err = self.kpf("record", "cut-" + name, "out.kpf", "--force", *self.start)
+        self.assertEqual(code, 1, (name, size, err))
+        self.assertRegex(err, said, name)
+        self.assertLessEqual(self.announced(), FRAMES)
+        if name != "v.gif":  # FFmpeg looks through these before it reads them
+            code, _, err = self.record_piped(whole[:size], "--force")
+            self.assertEqual(code, 1, (name, size, err))
+
+    def test_every_container_that_tells(self):
+        for name, (codec, said) in CONTAINERS.items():
+            with self.subTest(name):
+                whole = self.encode(name, *codec)
+                self.check_whole(name)
+                packets = self.packets(name)
+                self.assertEqual(len(packets), FRAMES)
+                size, position = packets[30]
+                self.check_cut(name, whole, packets[-1][1], said)  # where the last frame begins
+                self.check_cut(name, whole, position + size // 2)
+                self.check_cut(name, whole, len(whole) * 6 // 10)
+
+    def test_what_is_torn_of_the_last_frame(self):
+        whole = self.encode("v.dv", "-c:v", "dvvideo", "-s", "720x576", "-pix_fmt", "yuv420p",
+                            "-frames:v", "5")
+        self.check_whole("v.dv", 5)
+        self.check_cut("v.dv", whole, len(whole) - 72000, "ends within a frame")
+
+    def test_what_was_written_into_a_pipe_is_whole(self):
+        for name, container, codec in (("p.avi", "avi", PNG), ("p.mkv", "matroska", PNG),
+                                       ("p.ogv", "ogg", ("-c:v", "libtheora")),
+                                       ("p.nut", "nut", PNG), ("p.wmv", "asf", ("-c:v", "wmv2")),
+                                       ("p.apng", "apng", ("-c:v", "apng")), ("p.gif", "gif", ()),
+                                       ("p.flv", "flv", ("-c:v", "flv"))):
+            with self.subTest(name):
+                self.encode_into_pipe(name, container, *codec)
+                self.check_whole(name)
+                if name != "p.gif":
+                    self.assertEqual(self.record_piped(self.read(name), "--force")[0], 0)
+
+    def test_bytes_behind_the_end_do_no_harm(self):
+        whole = self.encode("v.gif")
+        self.write("more.gif", whole + b"and more")
+        self.check_whole("more.gif")
+        self.write("comment.gif", whole[:-1] + b"!\xfe\x05hello\0;")
+        self.check_whole("comment.gif")
+
+    def test_sound_beside_the_video_may_be_shorter_or_longer(self):
+        for seconds in ("1.3", "2.7"):
+            sound = ("-f", "lavfi", "-i", "sine=duration=" + seconds)
+            for name, codec in (("s.mov", (*PNG, "-c:a", "pcm_s16le", "-movflags", "+faststart")),
+                                ("s.ogv", ("-c:v", "libtheora", "-c:a", "libvorbis")),
+                                ("s.wmv", ("-c:v", "wmv2", "-c:a", "wmav2")),
+                                ("s.avi", (*PNG, "-c:a", "pcm_s16le"))):
+                with self.subTest((name, seconds)):
+                    self.encode(name, *sound, *codec, "-y")
+                    self.check_whole(name)
+
+    def test_a_part_of_a_video_is_a_whole_one(self):
+        self.encode("v.mp4", "-c:v", "mpeg4", "-bf", "2", "-g", "10")
+        for name in ("part.mp4", "part.mkv", "part.avi"):
+            with self.subTest(name):
+                subprocess.run([FFMPEG, "-v", "error", "-ss", "0.5", "-i", "v.mp4", "-t", "1",
+                                "-c", "copy", name], cwd=self.folder, check=True, timeout=60)
+                code, _, err = self.kpf("record", name, "out.kpf", "--force", *self.start)
+                self.assertEqual(code, 0, err)
+
+    def test_times_of_decoding_alone_tell_the_length_too(self):
+        self.encode("v.mxf", "-c:v", "mpeg2video")
+        self.check_whole("v.mxf")
+        code, _, err = self.record_piped(self.read("v.mxf"), "--force")
+        self.assertEqual(code, 0, err)
+
+    def test_mp4_in_a_pipe_is_told_as_such(self):
+        whole = self.encode("v.mp4", "-c:v", "mpeg4")
+        for size in (len(whole), len(whole) - 1):
+            code, _, err = self.record_piped(whole[:size])
+            self.assertEqual(code, 2)
+            self.assertIn("MP4 and MOV cannot be piped, give the file itself", err)
+            self.assertFalse(os.path.exists(self.path("out.kpf")))
+
+
+if __name__ == "__main__":
+    unittest.main()
