@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <ctime>
+#include <exception>
 #include <system_error>
 #include <utility>
 
@@ -79,11 +80,20 @@ unsigned VxKPFPackedStream::prepareForWriting(const std::string& name,
   }
   if (!deriveNames(name)) return streamStatus = STREAM_BAD_PATH;
   streamStatus = createFiles();
-  if (streamStatus == STREAM_WRITING) {
-    writeBehind_.prepare(nativePath(divFolder), KPF_FORMAT::recordSizeOf(std::uint64_t{frameSize}),
-                         bytesOfDivFile());
-  }
+  if (streamStatus == STREAM_WRITING) prepareMemory();
   return streamStatus;
+}
+
+// A placeholder that goes at once leaves its block, touched from end to end, to the first frame.
+// Where there is no memory for it, that frame will tell.
+void VxKPFPackedStream::prepareMemory() noexcept {
+  try {
+    const std::uint64_t record = KPF_FORMAT::recordSizeOf(std::uint64_t{frameSize});
+    if (!writeBehind_.prepare(nativePath(divFolder), record, bytesOfDivFile())) return;
+    VxKPFPacked().setPackedData(nullptr, static_cast<unsigned>(record), getWidth(), getHeight(),
+                                getBitsPerPixel());
+  } catch (const std::exception&) {
+  }
 }
 
 unsigned VxKPFPackedStream::closeStream() {

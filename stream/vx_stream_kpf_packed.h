@@ -118,6 +118,8 @@ class VxKPFPackedStream {
   bool deriveNames(const std::string& name);
   unsigned createFiles();
   unsigned createDivFolder();
+  /// Takes what the first frames would take anew while a camera waits.
+  void prepareMemory() noexcept;
   void writeStatusFile() const;
 
   bool acceptsFrame(const VX_KPF_PACKED::VxKPFPacked* frame);

@@ -17,13 +17,14 @@ ByteRange withPieceBefore(ByteRange bytes) {
 }  // namespace
 
 // Until so much is written, nothing is dropped.
-void WriteBehind::prepare(const std::filesystem::path& folder, std::uint64_t record,
+bool WriteBehind::prepare(const std::filesystem::path& folder, std::uint64_t record,
                           std::uint64_t expected) noexcept {
-  if (expected < kSmall || record < kLargeRecord || record > kHugeRecord) return;
+  if (expected < kSmall || record < kLargeRecord || record > kHugeRecord) return false;
   record_ = record;
   held_ = ((kWindow + kChunk) / record + 1) * record;
   pages_ = cache_.takePages(folder, held_);
   inPieces_ = pages_ >= 0;
+  return true;
 }
 
 void WriteBehind::givePages() noexcept {

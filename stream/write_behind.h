@@ -46,8 +46,8 @@ class WriteBehind {
   WriteBehind& operator=(const WriteBehind&) = delete;
 
   /// A recording begins in `folder`, with records of so many bytes and `expected` bytes of them in
-  /// its first file.
-  void prepare(const std::filesystem::path& folder, std::uint64_t record,
+  /// its first file. @return whether these are large and many enough to prepare anything for.
+  bool prepare(const std::filesystem::path& folder, std::uint64_t record,
                std::uint64_t expected) noexcept;
 
   /// A new file begins, which will hold `expected` bytes if all goes on as announced.

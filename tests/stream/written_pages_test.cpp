@@ -9,6 +9,8 @@
 #include "tests/stream/scripted_page_cache.h"
 #include "tests/stream/stream_test.h"
 #ifndef _WIN32
+#include <sys/resource.h>
+
 #include "tests/support/file_size_limit.h"
 #endif
 
@@ -124,6 +126,21 @@ TEST_F(WrittenPages, OfATornRecordAreCutOff) {
   ASSERT_EQ(bytes.size(), 6U << 20);
   EXPECT_TRUE(std::all_of(bytes.begin(), bytes.begin() + (4 << 20), [](int b) { return b == 0; }));
   EXPECT_TRUE(std::equal(bytes.begin() + (4 << 20) + 16, bytes.end(), record.begin() + 16));
+}
+
+TEST_F(WrittenPages, TheFirstFrameFindsABlockForItsPixels) {
+  configuration.width = (3U << 20) - 16;  // no other test leaves a block of this size
+  const TEST_SUPPORT::Bytes image(3U << 20, 1);
+  stream.prepareForWriting(name, configuration);
+  const auto faults = [] {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_minflt;
+  };
+  const long before = faults();
+  auto frame = std::make_unique<VX_KPF_PACKED::VxKPFPacked>();
+  frame->setTiffImageData(image.data(), configuration.width, 1, 8);
+  EXPECT_LT(faults() - before, 100);  // of the 768 that the frame takes
 }
 
 TEST_F(WrittenPages, AreNotAskedForWhenTheWriteFailed) {
