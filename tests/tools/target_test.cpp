@@ -110,6 +110,14 @@ TEST_F(Target, ThatIsNoRecordingIsKeptEvenIfForced) {
   }
 }
 
+TEST_F(Target, DataWithoutAHeaderAreKeptEvenIfForced) {
+  // Of a recording whose header was renamed: it has them still to find.
+  TEST_SUPPORT::writeText(folder_ / "renamed.kpf", recording());
+  make("clip/clip_0001.div");
+  EXPECT_EQ(outcomeOf([&] { clearTarget(header_, true); }), Outcome::kRefused);
+  EXPECT_TRUE(fs::exists(folder_ / "clip/clip_0001.div"));
+}
+
 TEST_F(Target, ThatIsReadIsKeptEvenIfForced) {
   TEST_SUPPORT::writeText(header_, recording());
   make("clip/clip_0001.div");

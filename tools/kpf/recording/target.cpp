@@ -90,6 +90,8 @@ std::vector<std::string> filesOf(const std::string& header) {
 }
 
 void checkTarget(const std::string& header, bool force, const FileIds& input) {
+  // Where it is missing, the data may be those of a header that was renamed.
+  const bool belongs = fs::exists(statusOf(header));
   for (const std::string& file : filesOf(header)) {
     const std::string name = escaped(file);
     if (input.holds(file)) {
@@ -99,6 +101,10 @@ void checkTarget(const std::string& header, bool force, const FileIds& input) {
     if (file == header && !isHeader(header)) {
       throw inTheWay(fmt::format("{} is there already, and is no recording", name),
                      "Choose another name: only recordings are replaced.");
+    }
+    if (force && !belongs && file != KPF_FORMAT::statusFileName(header)) {
+      throw inTheWay(fmt::format("{} is there already, and {} is not", name, escaped(header)),
+                     "Choose another name, or move it away: only recordings are replaced.");
     }
     if (force) continue;
     throw inTheWay(fmt::format("{} is there already", name),
