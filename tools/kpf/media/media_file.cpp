@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <optional>
 #include <string_view>
 
@@ -10,6 +11,7 @@
 #include "tools/kpf/media/container_end.h"
 #include "tools/kpf/media/ffmpeg_log.h"
 #include "tools/kpf/media/stream_remarks.h"
+#include "tools/kpf/media/tiff_pictures.h"
 #include "tools/kpf/terminal/interrupt.h"
 #include "tools/kpf/terminal/text.h"
 #include "tools/kpf/terminal/tool_error.h"
@@ -171,7 +173,13 @@ bool MediaFile::read(AVPacket& packet) {
 }
 
 void MediaFile::note(const AVPacket& packet) {
-  if (packet.stream_index == stream_) ++packets_;
+  if (packet.stream_index == stream_) {
+    ++packets_;
+    if (stream().codecpar->codec_id == AV_CODEC_ID_TIFF) {
+      const auto size = static_cast<std::size_t>(packet.size);
+      pictures_ = std::max(pictures_, tiffPictures({packet.data, size}));
+    }
+  }
   bytes_ = std::max(bytes_, packet.pos + packet.size);
   newest_ = packet.pos;
   // Some containers tell the time of decoding alone.
@@ -206,7 +214,10 @@ void MediaFile::noteEnd(int result) {
   if (Interrupt::requested()) return;
   // Many containers take a failing disk for the end of the file.
   if (format_->pb != nullptr && format_->pb->error < 0) result = format_->pb->error;
-  if (images_ > packets_) {
+  if (pictures_ > 1) {
+    trouble_ = fmt::format("{} holds {} in one file: only the first is taken", escaped(name_),
+                           countText(pictures_, "picture"));
+  } else if (images_ > packets_) {
     trouble_ = fmt::format("{} has a gap: {} in a row, of numbers up to the {}th", escaped(name_),
                            countText(packets_, "image"), images_);
   } else if (result != AVERROR_EOF && images_ == 0) {

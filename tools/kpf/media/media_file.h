@@ -56,10 +56,11 @@ class MediaFile {
   int stream_ = -1;  // of the container's streams, the one that is decoded
   double frameRate_ = 0;
   std::uint64_t packets_ = 0;
-  std::uint64_t images_ = 0;  // numbers from the first image to the last; 0 for anything else
-  double end_ = 0;            // of the latest packet of any stream, in seconds
-  std::int64_t bytes_ = 0;    // up to the end of the latest packet
-  std::int64_t newest_ = -1;  // where the latest packet begins; -1 where nobody knows
+  std::uint64_t pictures_ = 0;  // the most that a packet holds, where more than one is left out
+  std::uint64_t images_ = 0;    // numbers from the first image to the last; 0 for anything else
+  double end_ = 0;              // of the latest packet of any stream, in seconds
+  std::int64_t bytes_ = 0;      // up to the end of the latest packet
+  std::int64_t newest_ = -1;    // where the latest packet begins; -1 where nobody knows
   std::string trouble_;
 };
 

@@ -46,7 +46,7 @@ std::string readFrames(const Probed& probed, std::uint64_t before, const ProbePr
     }
     progress(before + n + 1);
   }
-  const std::string flaw = source->flaw();
+  std::string flaw = source->flaw();
   if (!flaw.empty() || gone == 0) return flaw;
   return fmt::format("{} of {} frames went away meanwhile", gone, probed.frames);
 }
