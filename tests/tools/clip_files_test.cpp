@@ -101,6 +101,18 @@ TEST_F(ClipFilesTest, DataFilesOfAnotherRecordingTakeItsNumber) {
   EXPECT_EQ(readText("out_0001/out_0001_0001.div"), "left behind");
 }
 
+TEST_F(ClipFilesTest, WhoeverComesSecondTakesTheNextNumber) {
+  ClipFiles first({"./out.kpf", true, false, {}}, configuration_, captured_);
+  ClipFiles second({"./out.kpf", true, false, {}}, configuration_, captured_);
+  const Claim other("./out_0001.kpf");  // of somebody who has not written anything yet
+  first.begin();
+  second.begin();
+  first.end();
+  second.end();
+  EXPECT_EQ(first.clips()[0].header, "./out_0002.kpf");
+  EXPECT_EQ(second.clips()[0].header, "./out_0003.kpf");
+}
+
 TEST_F(ClipFilesTest, WhatIsThereIsKeptUntilItIsBegunByForce) {
   for (const char letter : {'a', 'b'}) {
     ClipFiles files({"./out.kpf", false, letter == 'b', {}}, configuration_, captured_);

@@ -158,12 +158,13 @@ TEST_F(Target, NeedsRoom) {
 }
 
 TEST_F(Target, AnObstacleIsNamedAsFarAsTheDiskShowsIt) {
-  EXPECT_EQ(obstacleTo(header_, 1), "its files were moved or removed meanwhile");
+  EXPECT_EQ(obstacleTo(header_, true, 1), "its files were moved or removed meanwhile");
   make("clip/clip_0001.div");
-  EXPECT_EQ(obstacleTo(header_, 1), "its files were moved or removed meanwhile");
-  make("clip.kpf");
-  EXPECT_EQ(obstacleTo(header_, std::numeric_limits<std::uint64_t>::max()), "the disk is full");
-  EXPECT_EQ(obstacleTo(header_, 0), "the system did not take the others, see the lines above");
+  EXPECT_EQ(obstacleTo(header_, false, 1), "its files were moved or removed meanwhile");
+  EXPECT_EQ(obstacleTo(header_, true, std::numeric_limits<std::uint64_t>::max()),
+            "the disk is full");
+  EXPECT_EQ(obstacleTo(header_, true, 0),
+            "the system did not take the others, see the lines above");
 }
 
 }  // namespace

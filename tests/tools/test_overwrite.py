@@ -122,6 +122,18 @@ class Overwrite(VideoTest):
         self.write("linked.y4m", y4m(self.eight, 6, 4))
         self.keeps("clip_0001.div is what is read", "record", "linked.y4m", "clip.kpf", "--force")
 
+    def test_data_files_of_another_header_are_not_replaced(self):
+        """Only their extensions tell them apart, and data files know none."""
+        for name in ("eight.rec", "eight.KPF"):
+            for command in (("record", "sixteen.y4m"), ("cut", "clip.kpf"),
+                            ("record", "sixteen.y4m", "--before", "1")):
+                for force in ((), ("--force",)):
+                    self.keeps("kpf: the data files would be those of ./eight.kpf\n", *command[:2],
+                               name, *command[2:], *force)
+        # A header by another name is the same one.
+        os.link(self.path("eight.kpf"), self.path("eight.old"))
+        self.record("eight.y4m", "eight.kpf", "--force")
+
     def test_recording_that_is_not_begun_keeps_the_older_one(self):
         for arguments in (("missing.y4m",), ("eight.y4m", "--start", "never")):
             self.keeps("", "record", arguments[0], "clip.kpf", "--force", *arguments[1:])

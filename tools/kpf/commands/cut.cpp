@@ -11,6 +11,7 @@
 #include "kpf_reader.h"
 #include "tools/kpf/commands/commands.h"
 #include "tools/kpf/commands/open.h"
+#include "tools/kpf/recording/claim.h"
 #include "tools/kpf/recording/record_writer.h"
 #include "tools/kpf/recording/target.h"
 #include "tools/kpf/records/record_walk.h"
@@ -90,6 +91,8 @@ Outcome runCut(const CutOptions& options) {
   }
   remark(options.quiet, beyondEnd(options.range, walk.places()));
   checkRoom(header, std::uint64_t{frames} * recording.header().recordSize());
+  const Claim claim(header);
+  claim.demand();
   clearTarget(header, options.force, input);
   RecordWriter writer(header, recording);
   const std::uint32_t done = copyRecords(recording, walk, writer, options, frames);

@@ -13,6 +13,7 @@
 #include "tools/kpf/commands/record_live.h"
 #include "tools/kpf/commands/record_options.h"
 #include "tools/kpf/recording/checksummed_stream.h"
+#include "tools/kpf/recording/claim.h"
 #include "tools/kpf/recording/record_report.h"
 #include "tools/kpf/recording/record_stream.h"
 #include "tools/kpf/recording/recorder.h"
@@ -68,14 +69,15 @@ std::string runLoop(Recorder& recorder, const FrameSource& input, const Captured
   return input.flaw();
 }
 
-RecordResult resultOf(const std::string& header, const Recorder& recorder, const TimedStream& timed,
+RecordResult resultOf(const std::string& header, const LibraryStream& stream,
+                      const Recorder& recorder, const TimedStream& timed,
                       const RecordOptions& options) {
   RecordResult result;
   result.header = header;
   result.frames = recorder.written();
   result.placeholders = recorder.placeholders();
   result.damaged = recorder.damaged();
-  result.onDisk = recordsOnDisk(header);
+  result.onDisk = stream.isThere() ? recordsOnDisk(header) : 0;
   result.within999 = timed.calls().within(0.999);
   result.longest = timed.calls().longest();
   if (setsThePace(options.input)) result.late = timed.late();
@@ -102,12 +104,14 @@ Outcome recordInto(const std::string& header, FrameSource& input, const RecordOp
       runLoop(recorder, input, captured, options.isLimited() ? limit : 0, options.quiet);
   const bool complaints = captured.any();
   stream.close();
-  RecordResult result = resultOf(header, recorder, timed, options);
+  RecordResult result = resultOf(header, stream, recorder, timed, options);
   result.trouble = trouble;
   const bool whole = !complaints && result.onDisk == result.frames;
   result.written = stream.announce(result.frames, whole) && whole;
   if (checked) result.written = checked->finish() && result.written;
-  if (!result.written) result.obstacle = obstacleTo(header, recordSizeOf(input, options));
+  if (!result.written) {
+    result.obstacle = obstacleTo(header, stream.isThere(), recordSizeOf(input, options));
+  }
   // The library does not know that the smaller number was made true, and says so.
   if (result.written) captured.drop();
   captured.release();
@@ -128,6 +132,8 @@ Outcome runRecord(const RecordOptions& options) {
   if (!findFirstFrame(*input, options)) return Outcome::kCutShort;
   const std::uint64_t recordSize = recordSizeOf(*input, options);
   checkRoom(header, options.isLimited() ? limit * recordSize : recordSize);
+  const Claim claim(header);
+  claim.demand();
   // Only now: what cannot be recorded costs nobody an older recording.
   clearTarget(header, options.force, filesRead(options.input));
   return recordInto(header, *input, options, rate, limit, report);

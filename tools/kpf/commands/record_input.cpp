@@ -5,6 +5,7 @@
 #include "format/kpf_layout.h"
 #include "tools/kpf/commands/open.h"
 #include "tools/kpf/media/media.h"
+#include "tools/kpf/recording/claim.h"
 #include "tools/kpf/recording/record_stream.h"
 #include "tools/kpf/recording/start_time.h"
 #include "tools/kpf/recording/target.h"
@@ -18,7 +19,9 @@ std::string checkedHeader(const RecordOptions& options) {
   std::string header = headerPath(options.output);
   parseStartTime(options.start);
   // Numbered recordings find free names themselves.
-  if (!options.live.again) checkTarget(header, options.force, filesRead(options.input));
+  if (options.live.again) return header;
+  checkUnclaimed(header);
+  checkTarget(header, options.force, filesRead(options.input));
   return header;
 }
 

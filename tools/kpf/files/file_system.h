@@ -30,6 +30,23 @@ std::error_code moveWhereFree(const std::string& from, const std::string& to);
 std::error_code linkWhereFree(const std::string& from, const std::string& to);
 #endif
 
+/// A folder that one process at a time holds, until it lets go or ends. Where the system knows no
+/// such thing, and where there is no such folder, nobody else has it.
+class FolderLock {
+ public:
+  explicit FolderLock(const std::string& folder);
+  ~FolderLock();
+  FolderLock(const FolderLock&) = delete;
+  FolderLock& operator=(const FolderLock&) = delete;
+
+  /// Whether another process, or another object of this one, holds it.
+  bool isOthers() const { return others_; }
+
+ private:
+  int descriptor_ = -1;
+  bool others_ = false;
+};
+
 }  // namespace KPF_TOOL
 
 #endif

@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -55,6 +56,16 @@ std::error_code linkWhereFree(const std::string& from, const std::string& to) {
   if (errno == EEXIST) return lastError();
   // Where there are no links either, this one look has to do.
   return std::rename(from.c_str(), to.c_str()) == 0 ? std::error_code() : lastError();
+}
+
+FolderLock::FolderLock(const std::string& folder)
+    : descriptor_(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+  if (descriptor_ < 0) return;
+  others_ = flock(descriptor_, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+}
+
+FolderLock::~FolderLock() {
+  if (descriptor_ >= 0) close(descriptor_);
 }
 
 }  // namespace KPF_TOOL

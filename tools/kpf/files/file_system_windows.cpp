@@ -56,4 +56,8 @@ std::error_code moveWhereFree(const std::string& from, const std::string& to) {
   return moved ? std::error_code() : lastError();
 }
 
+// Files that are being written cannot be removed here.
+FolderLock::FolderLock(const std::string&) {}
+FolderLock::~FolderLock() = default;
+
 }  // namespace KPF_TOOL

@@ -18,21 +18,30 @@ ClipFiles::ClipFiles(const ClipTarget& target,
                      CapturedOutput& captured)
     : target_(target), configuration_(configuration), captured_(captured) {}
 
+std::string ClipFiles::claimedName() {
+  claim_.emplace(target_.header);
+  claim_->demand();
+  clearTarget(target_.header, target_.force, target_.input);
+  return target_.header;
+}
+
 /// Nothing that is there already is touched.
-std::string ClipFiles::nextName() const {
+std::string ClipFiles::claimedNumber() {
   const std::filesystem::path path(target_.header);
   for (unsigned number = 1;; ++number) {
     std::filesystem::path name = path;
     name.replace_filename(
         fmt::format("{}_{:04}{}", path.stem().string(), number, path.extension().string()));
-    if (filesOf(name.string()).empty()) return name.string();
+    if (!filesOf(name.string()).empty()) continue;
+    claim_.emplace(name.string());
+    // Once more: another process may have been faster.
+    if (!claim_->isOthers() && filesOf(name.string()).empty()) return name.string();
   }
 }
 
 void ClipFiles::begin() {
   present_ = {};
-  present_.header = target_.numbered ? nextName() : target_.header;
-  if (!target_.numbered) clearTarget(target_.header, target_.force, target_.input);
+  present_.header = target_.numbered ? claimedNumber() : claimedName();
   stream_ = std::make_unique<LibraryStream>(present_.header, configuration_);
   if (stream_->isOpen()) return;
   stream_.reset();
@@ -63,6 +72,7 @@ void ClipFiles::end() {
   present_.whole = stream_->announce(present_.frames, whole) && whole;
   if (present_.whole) captured_.drop();
   stream_.reset();
+  claim_.reset();
   clips_.push_back(present_);
 }
 

@@ -4,10 +4,12 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "tools/kpf/files/file_ids.h"
+#include "tools/kpf/recording/claim.h"
 #include "tools/kpf/recording/live_recorder.h"
 #include "tools/kpf/recording/record_stream.h"
 #include "tools/kpf/terminal/captured_output.h"
@@ -49,11 +51,13 @@ class ClipFiles : public ClipSink {
   double worstCall() const { return worstCall_; }
 
  private:
-  std::string nextName() const;
+  std::string claimedName();
+  std::string claimedNumber();
 
   ClipTarget target_;
   VLM_INTERNAL::VXP_STREAM_CONFIGURATION configuration_;
   CapturedOutput& captured_;
+  std::optional<Claim> claim_;  // of the recording that is being made
   std::unique_ptr<LibraryStream> stream_;
   Clip present_;
   std::vector<Clip> clips_;

@@ -3,9 +3,11 @@
 #define KPF_RECORD_STREAM_H
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "format/kpf_frame_count.h"
+#include "tools/kpf/files/file_system.h"
 #include "vlm_internal.h"
 
 namespace KPF_TOOL {
@@ -43,14 +45,18 @@ class LibraryStream : public RecordStream {
   void addRecord(const unsigned char* record);
   void close();
 
+  /// Whether its header still has its name, and not another recording.
+  bool isThere() const { return id_ && fileId(name_) == id_; }
+
   /// Once it is closed: makes the header as if `frames` had been announced from the beginning.
   /// @param whole nothing is missing of them, so no status file should stay.
-  /// @return false when the header cannot be written.
+  /// @return false when the header is gone or cannot be written.
   bool announce(std::uint64_t frames, bool whole) const;
 
  private:
   std::string name_;
   unsigned handle_;
+  std::optional<FileId> id_;  // of its header
 };
 
 }  // namespace KPF_TOOL

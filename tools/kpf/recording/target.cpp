@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <system_error>
 
 #include "format/kpf_file_names.h"
@@ -49,6 +50,21 @@ fs::file_status statusOf(const std::string& name) {
   return status;
 }
 
+/// Names without their extensions are all that data files know of their header: those of clip.kpf
+/// and clip.rec would be the same. @throws ToolError where another recording has them.
+void checkNeighbours(const std::string& header) {
+  const fs::path path = nativePath(header);
+  const std::optional<FileId> own = fileId(header);
+  std::error_code error;
+  for (const auto& entry : fs::directory_iterator(path.parent_path(), error)) {
+    if (entry.path().stem() != path.stem() || entry.path().filename() == path.filename()) continue;
+    const std::string other = entry.path().string();
+    if (!isHeader(other) || fileId(other) == own) continue;
+    throw inTheWay(fmt::format("the data files would be those of {}", escaped(other)),
+                   "Choose a name that differs in more than its extension.");
+  }
+}
+
 std::uint64_t bytesOf(const std::vector<std::string>& files) {
   std::uint64_t bytes = 0;
   for (const std::string& file : files) {
@@ -90,6 +106,7 @@ std::vector<std::string> filesOf(const std::string& header) {
 }
 
 void checkTarget(const std::string& header, bool force, const FileIds& input) {
+  checkNeighbours(header);
   // Where it is missing, the data may be those of a header that was renamed.
   const bool belongs = fs::exists(statusOf(header));
   for (const std::string& file : filesOf(header)) {
@@ -150,11 +167,10 @@ std::uint64_t recordsOnDisk(const std::string& header) {
   }
 }
 
-std::string obstacleTo(const std::string& header, std::uint64_t bytes) {
+std::string obstacleTo(const std::string& header, bool isThere, std::uint64_t bytes) {
   const auto names = KPF_FORMAT::dataNames(KPF_FORMAT::withoutExtension(header).value_or(header));
   std::error_code unknown;
-  if (!fs::is_directory(nativePath(names.folder), unknown) ||
-      !fs::exists(nativePath(header), unknown)) {
+  if (!isThere || !fs::is_directory(nativePath(names.folder), unknown)) {
     return "its files were moved or removed meanwhile";
   }
   const fs::space_info space = fs::space(nativePath(names.folder), unknown);

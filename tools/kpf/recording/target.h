@@ -36,8 +36,9 @@ void checkRoom(const std::string& header, std::uint64_t bytes);
 std::uint64_t recordsOnDisk(const std::string& header);
 
 /// Why the files of a recording take no more, as far as the disk shows.
-/// @param bytes of the next record.
-std::string obstacleTo(const std::string& header, std::uint64_t bytes);
+/// @param isThere whether the header is still that of the recording. @param bytes of the next
+/// record.
+std::string obstacleTo(const std::string& header, bool isThere, std::uint64_t bytes);
 
 }  // namespace KPF_TOOL
 

@@ -1,0 +1,93 @@
+"""Two processes and one recording: nobody writes into another's by mistake."""
+import contextlib
+import os
+import subprocess
+import unittest
+
+from recordings import KPF
+from videos import VideoTest
+
+HEAD = b"YUV4MPEG2 W64 H64 F25:1 Ip A1:1 Cmono\n"
+RECORD = 16 + 64 * 64  # bytes
+EVENT = ("--trigger", "motion:100")
+
+
+def frames(count, level):
+    return (b"FRAME\n" + bytes([level]) * (64 * 64)) * count
+
+
+class Writers(VideoTest):
+    @contextlib.contextmanager
+    def recording(self, *arguments):
+        """A recording of a pipe that has begun, and waits for more."""
+        with subprocess.Popen([KPF, "record", "-", "out.kpf", *arguments], cwd=self.folder,
+                              stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE) as process:
+            process.stdin.write(HEAD + frames(40, 30) + frames(20, 230))
+            process.stdin.flush()
+            while not os.path.exists(self.path("out/out_0001.div")):
+                self.assertIsNone(process.poll())
+            yield process
+
+    def test_nobody_begins_anew_what_is_being_recorded(self):
+        said = ("kpf: ./out.kpf is being written\n"
+                "Wait until the other kpf has ended, or choose another name.\n")
+        for how, recorded in (((), 100), (EVENT, 60)):
+            with self.recording("--force", "--quiet", *how) as process:
+                for command in (("record", "eight.y4m"), ("cut", "clip.kpf")):
+                    self.assertEqual(self.kpf(*command, "out.kpf", "--force"), (2, "", said))
+                _, err = process.communicate(frames(40, 230), timeout=60)
+            self.assertEqual((process.returncode, err), (0, b""))
+            self.check_complete(recorded)
+        # Nobody has it any more.
+        self.record("eight.y4m", "out.kpf", "--force")
+        self.check_complete(5)
+
+    def test_an_event_does_not_begin_anew_what_is_being_recorded(self):
+        """Neither when it comes, nor, with a loss that could be known, when it is waited for."""
+        self.write("event.y4m", HEAD + frames(40, 30) + frames(5, 230))
+        with subprocess.Popen([KPF, "record", "-", "out.kpf", "--force", *EVENT], cwd=self.folder,
+                              stdin=subprocess.PIPE, stderr=subprocess.PIPE) as waiting:
+            waiting.stdin.write(HEAD + frames(40, 30))
+            waiting.stdin.flush()
+            self.assertIn(b"nothing is written until", waiting.stderr.readline())
+            with self.recording() as process:
+                code, out, err = self.kpf("record", "event.y4m", "out.kpf", "--force", *EVENT)
+                self.assertEqual((code, out, err.splitlines()[0]),
+                                 (2, "", "kpf: ./out.kpf is being written"))
+                _, err = waiting.communicate(frames(5, 230), timeout=60)
+                self.assertEqual(waiting.returncode, 1)
+                self.assertIn(b"kpf: ./out.kpf is being written; Wait until the other kpf", err)
+                process.communicate(frames(40, 230), timeout=60)
+            self.assertEqual(process.returncode, 0)
+        self.check_complete(100)
+
+    def test_what_bears_the_name_in_the_end_is_left_alone(self):
+        for how, recorded in (((), 100), (EVENT, 60)):
+            with self.recording(*how) as process:
+                os.rename(self.path("out"), self.path("moved"))
+                os.rename(self.path("out.kpf"), self.path("moved.kpf"))
+                self.assertEqual(self.kpf("cut", "clip.kpf", "out.kpf")[0], 0)
+                _, err = process.communicate(frames(40, 230), timeout=60)
+            self.assertEqual(process.returncode, 1)
+            if not how:
+                self.assertIn(b"kpf: ./out.kpf: 0 of 100 frames are on disk: its files were moved "
+                              b"or removed meanwhile\n", err)
+            self.assertEqual(self.read("out.kpf"), self.read("clip.kpf"))
+            self.assertEqual(self.read("out/out_0001.div"), self.read("clip/clip_0001.div"))
+            self.assertEqual(len(self.read("moved/out_0001.div")), recorded * RECORD)
+            for name in ("out.kpf", "out.kpf.incomplete.txt", "out/out_0001.div", "moved.kpf",
+                         "moved/out_0001.div"):
+                os.remove(self.path(name))
+            os.rmdir(self.path("out"))
+            os.rmdir(self.path("moved"))
+
+    def test_a_refusal_leaves_no_folder(self):
+        self.write("new.kpf.incomplete.txt", b"whose?")
+        for command in (("record", "eight.y4m"), ("cut", "clip.kpf")):
+            self.assertEqual(self.kpf(*command, "new.kpf")[0], 2)
+        self.assertFalse(os.path.exists(self.path("new")))
+
+
+if __name__ == "__main__":
+    unittest.main()
