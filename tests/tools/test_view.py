@@ -187,7 +187,8 @@ class Frames(ViewTest):
             states = [frame.state for frame in self.frames(**{"from": 18, "count": 4}, **values)]
             self.assertEqual(states, [0, 0, 3, 3])
         self.assertEqual(self.json("lost"), {"lost": [[20, 39]], "searched": 40})
-        self.assertEqual(self.json("vibration", box="0,0,8,8")["frames"], 20)
+        vibration = self.json("vibration", box="0,0,8,8")
+        self.assertEqual((vibration["frames"], vibration["lost"]), (40, 20))
         self.cut("clip/clip_0001.div", 0)
         self.assertEqual(self.frames()[0].state, 3)
         os.remove(self.path("clip/clip_0001.div"))
