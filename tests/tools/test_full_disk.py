@@ -1,8 +1,9 @@
 """What cannot be written is no success: what a full disk does, without the right to mount one."""
 import os
+import subprocess
 import unittest
 
-from recordings import header, record
+from recordings import KPF, header, record
 from videos import VideoTest, y4m
 
 LIMIT = 300000  # bytes that a file may have; each job here would write more
@@ -43,6 +44,25 @@ class FullDisk(VideoTest):
         code, out, _ = self.kpf("verify", "new.kpf")
         self.assertEqual(code, 0, out)
         self.assertIn("29 of 30 frames", out)
+
+    def test_results(self):
+        """No limit ends a command in the midst of its work: what it had begun is taken away."""
+        for arguments in (("probe", "clip.kpf", "--box", "10,10,20,20", "--map", "map.raw",
+                           "--waveform", "waveform.csv"),
+                          ("sheet", "in.y4m", "clip.kpf", "page.png")):
+            code, out, err = self.kpf(*arguments, file_size=4000)
+            self.assertEqual((code, out), (1, ""), arguments)
+            self.assertRegex(err, r"(?m)^kpf: cannot write (map.raw|page.png): File too large$")
+            self.assertFalse([name for name in self.files() if name.endswith(".part")])
+        for command in ("info", "verify"):
+            with open(self.path("said.txt"), "wb") as said:
+                said.truncate(4096)
+                said.seek(4096)
+                done = subprocess.run(["bash", "-c", 'ulimit -f 4; exec "$0" "$@"', KPF, command,
+                                       "clip.kpf"], cwd=self.folder, stdout=said, timeout=60,
+                                      stderr=subprocess.PIPE, check=False)
+            self.assertEqual(done.returncode, 1)
+            self.assertIn(b"cannot write to standard output: File too large", done.stderr)
 
     def test_cuts(self):
         said = self.meet_limit("cut", "clip.kpf", "new.kpf")

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <exception>
 #include <filesystem>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -85,6 +86,9 @@ Outcome run(CLI::App& app, const Job& job, int argc, char** argv) {
   } catch (const KPF_READER::RecordingError& error) {
     return report(app, {Outcome::kUnreadableInput, escaped(error.what()),
                         "Give the header file (.kpf) of a recording that you may read."});
+  } catch (const std::bad_alloc&) {
+    return report(app, {Outcome::kFailed, "the system gives no more memory",
+                        "The job was cut short. Close other programs."});
   } catch (const std::exception& error) {
     // Printing may fail in the midst of a result, which is told below.
     if (std::ferror(stdout) != 0) return Outcome::kWriteFailed;

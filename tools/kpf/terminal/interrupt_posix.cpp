@@ -23,9 +23,8 @@ Interrupt::Interrupt() {
   if (sigaction(SIGHUP, nullptr, &before) == 0 && before.sa_handler != SIG_IGN) {
     sigaction(SIGHUP, &action, nullptr);
   }
-  // A limit on the size of files, and a reader that has gone, are writes that fail, and no end of
-  // the program: what nobody listens to any more may be a line of progress.
-  std::signal(SIGXFSZ, SIG_IGN);
+  // A reader that has gone is a write that fails, and no end of the program: what nobody listens to
+  // any more may be a line of progress.
   std::signal(SIGPIPE, SIG_IGN);
 }
 

@@ -9,6 +9,7 @@ namespace KPF_TOOL {
 /// To be called first. Where standard input, output or error is closed its descriptor is taken, or
 /// the next file that is opened would have it, and results would be printed into a recording. On
 /// Windows results are the same bytes as elsewhere: no line end becomes two bytes, texts are UTF-8.
+/// A write that a limit on the size of files refuses fails as others do.
 void holdStandardStreams();
 
 /// Whether standard error is a terminal where a line can be written again.

@@ -2,6 +2,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdio>
 #include <initializer_list>
 
@@ -16,6 +17,9 @@ void holdStandardStreams() {
     // The lowest that is free, which is this one.
     open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);
   }
+  // A limit on the size of files is a write that fails, and is told: not the end of the program in
+  // the midst of its work.
+  std::signal(SIGXFSZ, SIG_IGN);
 }
 
 bool errorIsTerminal() { return isatty(STDERR_FILENO) != 0; }
