@@ -1,10 +1,10 @@
-"""Two processes and one recording: nobody writes into another's by mistake."""
+"""Two processes and one recording: nobody writes into, or reads from, another's by mistake."""
 import contextlib
 import os
 import subprocess
 import unittest
 
-from recordings import KPF
+from recordings import KPF, header, record
 from videos import VideoTest
 
 HEAD = b"YUV4MPEG2 W64 H64 F25:1 Ip A1:1 Cmono\n"
@@ -87,6 +87,37 @@ class Writers(VideoTest):
         for command in (("record", "eight.y4m"), ("cut", "clip.kpf")):
             self.assertEqual(self.kpf(*command, "new.kpf")[0], 2)
         self.assertFalse(os.path.exists(self.path("new")))
+
+
+class Readers(VideoTest):
+    FRAMES = 3000
+    PER_FILE = 1000
+
+    def make(self, pixel, identifier):
+        """A recording of three data files, where a pipe is full long before the end of the first."""
+        image = bytearray(header(width=64, height=64, frames=self.FRAMES, per_file=self.PER_FILE))
+        image[1698:1730] = identifier * 32
+        self.write("clip.kpf", image)
+        for number in range(3):
+            self.write("clip/clip_%04d.div" % (number + 1), b"".join(
+                record(n, pixels=pixel * 4096)
+                for n in range(number * self.PER_FILE, (number + 1) * self.PER_FILE)))
+
+    def test_frames_of_two_recordings_are_no_success(self):
+        for command in (("export",), ("amplify", "--frequency", "12", "--gain", "0")):
+            self.make(b"\x07", b"\x01")
+            with subprocess.Popen([KPF, *command, "clip.kpf", "-"], cwd=self.folder,
+                                  stdout=subprocess.PIPE, stderr=subprocess.PIPE) as process:
+                first = process.stdout.read(4096)
+                for number in range(3):
+                    os.remove(self.path("clip/clip_%04d.div" % (number + 1)))
+                self.make(b"\x09", b"\x02")
+                rest, err = process.communicate(timeout=60)
+            self.assertEqual(process.returncode, 1)
+            self.assertEqual(
+                err, b"kpf: clip.kpf: another recording has taken its place meanwhile\n")
+            self.assertEqual(len(first + rest), self.FRAMES * 4096)
+            self.assertEqual(set(rest), {7, 9})
 
 
 if __name__ == "__main__":

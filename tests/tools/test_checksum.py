@@ -1,8 +1,9 @@
 """Checksums: kept by record and checksum, compared by verify."""
 import os
+import subprocess
 import unittest
 
-from recordings import RecordingTest, header, record, run
+from recordings import KPF, RecordingTest, header, record, run
 from videos import VideoTest
 
 KEPT = "clip.kpf.checksums.txt"
@@ -68,7 +69,19 @@ class Checksum(RecordingTest):
     def test_recorder_that_was_killed_has_kept_the_first_ones(self):
         self.keep()
         os.truncate(self.path(KEPT), len(FIRST) + 2 * 19 + 7)
-        self.assertEqual(self.kpf("verify", "--strict", "clip.kpf")[0], 0)
+        note = "note: %s, record 2, byte 0: no checksum was kept of 3 records\n" % KEPT
+        code, out, _ = self.kpf("verify", "clip.kpf")
+        self.assertEqual((code, out[:len(note)]), (0, note))
+        self.assertEqual(self.kpf("verify", "--strict", "clip.kpf")[0], 1)
+
+    def test_recording_without_frames(self):
+        for frames, data in ((0, run(range(5))), (5, b"")):
+            self.write("clip.kpf", header(frames=frames))
+            self.write("clip/clip_0001.div", data)
+            code, out, err = self.kpf("checksum", "clip.kpf")
+            self.assertEqual((code, out), (2, ""))
+            self.assertIn("it has none at all", err)
+            self.assertFalse(os.path.exists(self.path(KEPT)))
 
     def test_checksums_of_another_recording_are_a_note(self):
         self.keep()
@@ -134,6 +147,18 @@ class Recorded(VideoTest):
             self.assertEqual(self.read(KEPT), kept)
             self.assertEqual(len(kept.splitlines()), 4 if arguments[:1] == ("--frames",) else 6)
             self.assertEqual(self.kpf("verify", "--strict", "clip.kpf")[0], 0)
+
+    def test_checksums_that_are_being_kept_are_no_problem(self):
+        with subprocess.Popen([KPF, "record", "-", "clip.kpf", "--checksums"], cwd=self.folder,
+                              stdin=subprocess.PIPE, stdout=subprocess.DEVNULL) as process:
+            process.stdin.write(b"YUV4MPEG2 W64 H64 F25:1 Ip A1:1 Cmono\n"
+                                + 60 * (b"FRAME\n" + bytes(64 * 64)))
+            process.stdin.flush()
+            while not (os.path.exists(self.path(KEPT)) and self.read(KEPT)):
+                self.assertIsNone(process.poll())
+            code, out, _ = self.kpf("verify", "clip.kpf")
+            self.assertEqual(code, 0, out)
+            process.communicate(timeout=60)
 
     def test_without_the_wish_there_are_none_and_older_ones_go(self):
         self.record("eight.y4m", "clip.kpf", "--checksums")

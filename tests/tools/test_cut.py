@@ -50,11 +50,21 @@ class Cut(RecordingTest):
     def test_killed_recording_gets_a_true_header(self):
         self.cut("clip/clip_0001.div", 3 * 24 + 7)
         self.assertEqual(
-            self.cut_out(err="kpf: clip.kpf: the recording ends after 3 of 5 announced frames\n"),
+            self.cut_out(code=1,
+                         err="kpf: clip.kpf: the recording ends after 3 of 5 announced frames\n"),
             "part.kpf: 3 frames\n")
         self.assertEqual(self.read("part.kpf"), header(frames=3))
         self.assertEqual(self.read("part/part_0001.div"), run(range(3)))
         self.assertEqual(self.kpf("verify", "--strict", "part.kpf")[0], 0)
+
+    def test_recorder_that_had_announced_no_end_has_lost_none(self):
+        self.write("clip.kpf", header(frames=0xFFFFFFFF))
+        self.cut("clip/clip_0001.div", 3 * 24 + 7)
+        said = "kpf: clip.kpf: the recording ends after 3 frames, and was never closed\n"
+        self.assertEqual(self.cut_out("--quiet", err=said), "")
+        self.assertEqual(self.read("part.kpf"), header(frames=3))
+        self.cut_out("--force", "--to", "9", code=1,
+                     err="kpf: --to 9 is beyond the end: the last frame is 2\n" + said)
 
     def test_frames_that_were_asked_for_and_are_not_there(self):
         self.cut("clip/clip_0001.div", 3 * 24)

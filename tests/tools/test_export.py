@@ -101,7 +101,11 @@ class Export(VideoTest):
     @unittest.skipUnless(FFPROBE, "needs ffprobe to read the times")
     def test_recordings_without_a_rate_are_shown_at_25(self):
         self.patch("eight.kpf", 184, struct.pack("<d", 0.0))
-        self.export("eight.kpf", "norate.mkv")
+        said = "kpf: eight.kpf tells no frame rate; 25 is taken\n"
+        for name in ("norate.mkv", "norate.y4m"):
+            self.assertEqual(self.kpf("export", "eight.kpf", name), (0, "", said))
+        for name in ("norate.raw", "norate_%03d.png"):
+            self.assertEqual(self.kpf("export", "eight.kpf", name), (0, "", ""))
         self.assertAlmostEqual(self.frame_times("norate.mkv")[4], 4 / 25, delta=0.001)
 
     @unittest.skipUnless(FFPROBE, "needs ffprobe to read the times")
@@ -121,10 +125,25 @@ class Export(VideoTest):
         for rate in (5e-324, -25.0):
             self.patch("eight.kpf", 184, struct.pack("<d", rate))
             code, _, err = self.kpf("export", "eight.kpf", "out.mkv", "--force")
-            self.assertEqual((code, err), (0, ""))
+            self.assertEqual((code, err), (0, "kpf: eight.kpf tells no frame rate; 25 is taken\n"))
             code, _, err = self.kpf("amplify", "eight.kpf", "-", "--frequency", "12")
             self.assertEqual(code, 2)
             self.assertIn("tells no frame rate", err)
+
+    def test_column_that_12_bits_have_no_room_for_is_told(self):
+        self.write("odd.y4m", y4m([list(range(35))] * 2, 7, 5))
+        line = ("kpf: the last of 7 columns is not recorded: at 12 bits two pixels share three "
+                "bytes\n")
+        said = self.kpf("record", "odd.y4m", "odd.kpf", "--bits", "12", *self.start)
+        self.assertEqual(said, (0, "./odd.kpf: 2 frames recorded, 0 placeholders\n", line))
+        code, _, err = self.kpf("record", "odd.y4m", "odd.kpf", "--bits", "12", "--force", "--before",
+                                "0")
+        self.assertEqual(code, 1)  # nothing began it
+        self.assertIn(line, err)
+        line = "kpf: the last of 7 columns is black: 12 bits have no room for it\n"
+        self.assertEqual(self.kpf("export", "odd.kpf", "odd.mkv"), (0, "", line))
+        self.record("odd.y4m", "odd.kpf", "--force")
+        self.assertEqual(self.kpf("export", "odd.kpf", "odd.y4m", "--force"), (0, "", ""))
 
     def test_odd_sizes_can_be_viewed_too(self):
         self.write("odd.y4m", y4m([list(range(35))] * 2, 7, 5))

@@ -70,6 +70,32 @@ class Places(RecordingTest):
                                     b"frames\n"), [1, 2, 3, 4, 5])
         self.assertEqual(self.frames("--to", "3"), [1, 2, 3, 4])
 
+    def test_frames_behind_the_announced_end(self):
+        """A header that tells too few: what it does not tell of is not there for anybody."""
+        self.write("clip.kpf", header(per_file=8, frames=6))
+        self.write("clip/clip_0001.div", b"".join(self.record(n) for n in range(8)))
+        line = b"kpf: clip.kpf: 2 frames are behind the announced end\n"
+        self.assertEqual(self.frames(code=1, err=line), [1, 2, 3, 4, 5, 6])
+        self.assertEqual(self.frames("--to", "2"), [1, 2, 3])
+        self.assertEqual(self.frames("--frequency", "12.5", "--gain", "0", command="amplify", code=1,
+                                     err=line), [1, 2, 3, 4, 5, 6])
+        for command in (("checksum", "clip.kpf"), ("cut", "clip.kpf", "part.kpf")):
+            code, _, err = self.kpf(*command)
+            self.assertEqual((code, err), (1, line.decode()), command)
+
+    def test_bytes_that_are_of_no_frame(self):
+        """Frames that are narrower than they were recorded are none that anybody saw."""
+        self.patch("clip.kpf", 176, b"\x02")
+        for arguments in ((), ("--to", "1")):
+            done = self.kpf_bytes("export", "clip.kpf", "-", *arguments)
+            self.assertEqual((done.returncode, done.stderr), (
+                1, b"kpf: clip.kpf: 24 bytes in its data files are of no frame\n"))
+
+    def test_recorder_that_never_told_an_end(self):
+        self.write("clip.kpf", header(per_file=2, frames=0xFFFFFFFF))
+        self.assertEqual(self.frames(code=1, err=b"kpf: clip.kpf: the recording ends after 6 frames, "
+                                                 b"and was never closed\n"), [1, 2, 3, 4, 5, 6])
+
     def test_amplified_frames_keep_their_places(self):
         self.write("clip.kpf", header(per_file=2, frames=8))
         self.write("clip/clip_0004.div", self.record(6) + self.record(7))
@@ -106,6 +132,21 @@ class Places(RecordingTest):
             self.assertEqual((code, out), (2, ""))
             self.assertIn("kpf: clip.kpf holds no such frames: it has none at all\n", err)
         self.assertFalse(os.path.exists(self.path("out.mkv")))
+
+    def test_frames_beyond_the_memory_are_told(self):
+        self.write("clip.kpf", header(width=65535, height=32000, frames=1))
+        for name in os.listdir(self.path("clip")):
+            os.remove(self.path("clip/" + name))
+        self.write("clip/clip_0001.div", b"\x01")
+        os.truncate(self.path("clip/clip_0001.div"), 16 + 65535 * 32000)
+        limited = ["bash", "-c", 'ulimit -v 1500000; exec "$0" "$@"', KPF]
+        if subprocess.run([*limited, "--version"], capture_output=True, check=False).returncode != 0:
+            self.skipTest("sanitizers want more")
+        done = subprocess.run([*limited, "verify", "clip.kpf"], cwd=self.folder, timeout=60,
+                              capture_output=True, check=False)
+        self.assertEqual((done.returncode, done.stderr), (
+            1, b"kpf: the system gives no more memory\nThe job was cut short. Close other "
+               b"programs.\n"))
 
     def test_millions_of_records_that_take_no_room(self):
         self.write("clip.kpf", header(width=0, frames=134217727))

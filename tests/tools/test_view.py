@@ -196,6 +196,17 @@ class Frames(ViewTest):
         self.write("clip/clip_0001.div", b"".join(data))
         self.assertEqual(self.frames(**{"from": 39})[0].pictures, [bytes([39]) * 6144])
 
+    def test_another_recording_of_the_name_is_not_shown_for_it(self):
+        self.view("clip.kpf")
+        self.assertEqual(self.frames()[0].state, 0)
+        self.patch("clip.kpf", 1698, b"\xff" * 32)
+        for _ in range(1000):  # what was found out is believed for a moment
+            status, _, body = self.ask("api/frames")
+            if status != 200:
+                break
+        self.assertEqual(status, 410)
+        self.assertIn(b"another recording has taken its place: start kpf view again", body)
+
     def test_amplified_frames_of_a_recording_that_grows(self):
         """The window goes on: it is not filled anew for each frame that comes."""
         data = [record(n, bytes((n * 37 + i * 11) % 256 for i in range(8))) for n in range(60)]

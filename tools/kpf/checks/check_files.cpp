@@ -13,13 +13,13 @@
 #include <vector>
 
 #include "format/kpf_file_names.h"
-#include "format/kpf_frame_count.h"
 #include "format/kpf_layout.h"
 #include "format/kpf_status.h"
 #include "paths/native_path.h"
 #include "tools/kpf/checks/old_files.h"
 #include "tools/kpf/checks/renamed.h"
 #include "tools/kpf/checks/unreadable.h"
+#include "tools/kpf/records/records.h"
 #include "tools/kpf/terminal/text.h"
 
 namespace KPF_TOOL {
@@ -155,10 +155,6 @@ void checkCompleteness(const Recording& recording, Findings& findings) {
   if (complete) return;
   findings.addNote({Problem::kIncomplete, recording.path(), std::nullopt, kFrameCountOffset,
                     shortfallText(recording, hasStatus)});
-}
-
-bool announcesCount(const Header& header) {
-  return header.frameCount != KPF_FORMAT::kFrameCountUnknown;
 }
 
 void checkHeader(const Recording& recording, Findings& findings) {

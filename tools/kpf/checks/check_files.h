@@ -11,10 +11,6 @@ namespace KPF_TOOL {
 /// does a status file say?
 void checkCompleteness(const KPF_READER::Recording& recording, Findings& findings);
 
-/// Whether the header tells how many frames there are to be: a recorder that is at work, or was
-/// killed, may not have known.
-bool announcesCount(const KPF_READER::Header& header);
-
 /// Bytes of the header file that a recorder would have left otherwise.
 void checkHeader(const KPF_READER::Recording& recording, Findings& findings);
 

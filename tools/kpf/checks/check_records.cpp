@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "format/kpf_layout.h"
 #include "tools/kpf/checks/old_files.h"
 #include "tools/kpf/checks/record_checker.h"
 #include "tools/kpf/checks/unreadable.h"
@@ -37,6 +38,7 @@ class RecordsCheck {
     }
     checker_.finish();
     checkChecksums();
+    checkIdentity();
     return checker_.placeholders();
   }
 
@@ -77,6 +79,7 @@ class RecordsCheck {
 
   void checkChecksum(const Record& record) {
     const auto kept = checksums_.of(record.place);
+    if (!kept && withoutChecksum_++ == 0) firstWithout_ = record.place;
     if (!kept || *kept == checksumOf(record.bytes)) return;
     findings_.add({Problem::kChecksum, record.file->path, record.place, record.offset,
                    "not the record whose checksum was kept"});
@@ -96,10 +99,22 @@ class RecordsCheck {
     if (checksums_.badLine() != 0) {
       findings_.add(about(fmt::format("line {} is no checksum", checksums_.badLine())));
     }
+    if (checksums_.state() == ChecksumReader::State::kUsable && withoutChecksum_ != 0) {
+      findings_.addNote(
+          about("no checksum was kept of " + countText(withoutChecksum_, "record"), firstWithout_));
+    }
     if (checksums_.passedOver() == 0) return;
     findings_.add(about(countText(checksums_.passedOver(), "record") +
                             " of which the checksum was kept cannot be read",
                         checksums_.firstPassedOver()));
+  }
+
+  /// Data files that are opened one after the other may be of two recordings.
+  void checkIdentity() {
+    if (!isReplaced(recording_)) return;
+    findings_.add({Problem::kHeader, recording_.path(), std::nullopt,
+                   KPF_FORMAT::HEADER::kIdentifier.offset,
+                   "another recording has taken its place meanwhile: verify that one"});
   }
 
   /// A recording that was begun again under the same name and cut short has data files of the older
@@ -124,6 +139,8 @@ class RecordsCheck {
   Findings& findings_;
   std::optional<Moment> begin_;  // of the recording
   std::uint64_t done_ = 0;       // bytes of the files that are behind
+  std::uint64_t withoutChecksum_ = 0;
+  std::uint32_t firstWithout_ = 0;  // of those
 };
 
 }  // namespace

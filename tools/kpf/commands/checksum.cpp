@@ -41,9 +41,10 @@ bool writeChecksums(RecordWalk& walk, ChecksumWriter& writer, bool quiet) {
 Outcome runChecksum(const ChecksumOptions& options) {
   const Interrupt interrupt;
   const KPF_READER::Recording recording(options.file);
+  RecordWalk walk(recording);
+  if (walk.places() == 0) throw noSuchFrames(options.file, "it has none at all");
   const Destination destination{checksumFileName(options.file), options.force, {}};
   NewFile file(destination.name, destination);
-  RecordWalk walk(recording);
   ChecksumWriter writer(file.path(), recording.header().identifier);
   if (!writeChecksums(walk, writer, options.quiet)) {
     tell("kpf: interrupted, no checksums are kept\n");
@@ -54,7 +55,7 @@ Outcome runChecksum(const ChecksumOptions& options) {
                     fmt::format("cannot write {}", escaped(destination.name)), "Free some space.");
   }
   file.commit();
-  const std::string flaw = walk.flaw().empty() ? walk.earlyEnd() : walk.flaw();
+  const std::string flaw = walk.flaw().empty() ? walk.wrongEnd() : walk.flaw();
   if (!flaw.empty()) {
     tell("kpf: {}: {}\n", escaped(options.file), flaw);
     return Outcome::kProblemsFound;

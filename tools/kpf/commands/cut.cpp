@@ -15,6 +15,7 @@
 #include "tools/kpf/recording/record_writer.h"
 #include "tools/kpf/recording/target.h"
 #include "tools/kpf/records/record_walk.h"
+#include "tools/kpf/records/records.h"
 #include "tools/kpf/terminal/interrupt.h"
 #include "tools/kpf/terminal/progress.h"
 #include "tools/kpf/terminal/tell.h"
@@ -58,9 +59,15 @@ std::uint32_t copyRecords(const Recording& recording, RecordWalk& walk, RecordWr
   return done;
 }
 
+/// Whether an end at the wrong place is a loss. Of a recording whose recorder was killed, and had
+/// not announced an end, who names none wants what is there.
+bool lacksEnd(const Recording& recording, const CutOptions& options) {
+  return options.range.to || announcesCount(recording.header());
+}
+
 /// Prints the last lines.
-Outcome conclude(const RecordWalk& walk, const CutOptions& options, std::uint32_t done,
-                 std::uint32_t frames) {
+Outcome conclude(const Recording& recording, const RecordWalk& walk, const CutOptions& options,
+                 std::uint32_t done, std::uint32_t frames) {
   const std::string flaw = walk.flaw();
   if (!flaw.empty()) tell("kpf: {}: {}\n", escaped(options.input), flaw);
   if (done < frames) {
@@ -68,13 +75,11 @@ Outcome conclude(const RecordWalk& walk, const CutOptions& options, std::uint32_
     return Outcome::kCutShort;
   }
   const bool endWanted = !options.range.to || *options.range.to >= walk.places();
-  const std::string early = endWanted ? walk.earlyEnd() : "";
-  if (!early.empty()) {
-    remark(options.quiet, fmt::format("{}: {}", escaped(options.input), early));
-  }
+  const std::string end = endWanted ? walk.wrongEnd() : "";
+  if (!end.empty()) tell("kpf: {}: {}\n", escaped(options.input), end);
   if (!options.quiet) fmt::print("{}: {}\n", escaped(options.output), countText(done, "frame"));
-  // Who names no end wants what is there; who names one that is not there does not get it.
-  return flaw.empty() && (early.empty() || !options.range.to) ? Outcome::kDone : Outcome::kCutShort;
+  const bool whole = flaw.empty() && (end.empty() || !lacksEnd(recording, options));
+  return whole ? Outcome::kDone : Outcome::kCutShort;
 }
 
 Outcome runCut(const CutOptions& options) {
@@ -97,7 +102,7 @@ Outcome runCut(const CutOptions& options) {
   RecordWriter writer(header, recording);
   const std::uint32_t done = copyRecords(recording, walk, writer, options, frames);
   if (done > 0) writer.finish();
-  return conclude(walk, options, done, frames);
+  return conclude(recording, walk, options, done, frames);
 }
 
 }  // namespace

@@ -40,12 +40,15 @@ PictureFormat formatOf(const FrameSource& source, std::uint64_t frames,
           options.range.first(), frames,          options.y4m};
 }
 
-/// What to say of a frame rate that no video holds. Pipes and images have none anyway.
+/// What to say of a frame rate that no video holds. Bare frames and images have none anyway.
 std::string rateRemark(const FrameSource& source, const ExportOptions& options) {
   const double rate = source.frameRate();
-  if (rate == 0 || isShowableRate(rate) || isBare(options.output, options.y4m)) return "";
-  return fmt::format("{} tells an impossible frame rate: {:g}; {:g} is taken",
-                     escaped(options.file), rate, kRateOfNone);
+  if (isShowableRate(rate) || isBare(options.output, options.y4m) || isImage(options.output)) {
+    return "";
+  }
+  const std::string told =
+      rate == 0 ? "no frame rate" : fmt::format("an impossible frame rate: {:g}", rate);
+  return fmt::format("{} tells {}; {:g} is taken", escaped(options.file), told, kRateOfNone);
 }
 
 /// The frames on their way out, and what is shown for those that were lost.
@@ -113,6 +116,7 @@ Outcome runExport(const ExportOptions& options) {
   const LostList list(destination);
   const auto output = openOutput(destination, formatOf(*source, frames, options));
   remark(options.quiet, beyondEnd(options.range, source->frameCount()));
+  for (const std::string& line : source->remarks()) remark(options.quiet, line);
   remark(options.quiet, output->remark());
   remark(options.quiet, rateRemark(*source, options));
   Copy copy(*source, *output, options);

@@ -13,6 +13,7 @@
 #include "tools/kpf/checks/check_files.h"
 #include "tools/kpf/checks/survey.h"
 #include "tools/kpf/commands/commands.h"
+#include "tools/kpf/records/records.h"
 #include "tools/kpf/terminal/json.h"
 #include "tools/kpf/terminal/text.h"
 

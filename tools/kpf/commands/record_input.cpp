@@ -53,6 +53,12 @@ VLM_INTERNAL::VXP_STREAM_CONFIGURATION configurationFor(const Geometry& geometry
   VLM_INTERNAL::VXP_STREAM_CONFIGURATION configuration;
   configuration.text2 = fitted(options.note, "--note", KPF_FORMAT::HEADER::kText2.size, report);
   configuration.text5 = fitted(options.text, "--text", KPF_FORMAT::HEADER::kText5.size, report);
+  if (geometry.bits != 8 && geometry.width % 2 != 0) {
+    report.remark(
+        fmt::format("the last of {} columns is not recorded: at {} bits two pixels share "
+                    "three bytes",
+                    geometry.width, geometry.bits));
+  }
   configuration.width = geometry.width;
   configuration.height = geometry.height;
   configuration.frameRate = static_cast<int>(rate);

@@ -11,6 +11,7 @@
 #include "tools/kpf/checks/findings.h"
 #include "tools/kpf/checks/unreadable.h"
 #include "tools/kpf/commands/commands.h"
+#include "tools/kpf/records/records.h"
 #include "tools/kpf/terminal/json.h"
 #include "tools/kpf/terminal/progress.h"
 #include "tools/kpf/terminal/text.h"

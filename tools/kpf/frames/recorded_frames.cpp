@@ -1,5 +1,7 @@
 #include "tools/kpf/frames/recorded_frames.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -39,6 +41,11 @@ class RecordedFrames : public FrameSource {
   }
   std::uint64_t frameCount() const override { return records_.places(); }
 
+  std::vector<std::string> remarks() const override {
+    if (!recording_.header().packed12 || width() % 2 == 0) return {};
+    return {fmt::format("the last of {} columns is black: 12 bits have no room for it", width())};
+  }
+
   bool next() override {
     if (next_ >= records_.places()) return false;
     present_ = records_.at(static_cast<std::uint32_t>(next_++));
@@ -54,7 +61,7 @@ class RecordedFrames : public FrameSource {
 
   std::string flaw() const override {
     const std::string text = records_.flaw();
-    const std::string end = next_ >= records_.places() ? records_.earlyEnd() : "";
+    const std::string end = next_ >= records_.places() ? records_.wrongEnd() : "";
     return text.empty() || end.empty() ? text + end : text + ", " + end;
   }
 

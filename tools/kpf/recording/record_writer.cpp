@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <iterator>
 #include <optional>
@@ -36,10 +35,8 @@ KPF_FORMAT::DataNames namesOf(const std::string& header) {
 
 std::error_code lastError() { return {errno, std::generic_category()}; }
 
-using HeaderImage = std::array<unsigned char, layout::kSize>;
-
-HeaderImage imageOf(const std::string& header) {
-  HeaderImage image{};
+std::vector<unsigned char> imageOf(const std::string& header) {
+  std::vector<unsigned char> image(layout::kSize);
   if (DataFile(header).read(0, image) < image.size()) {
     throw KPF_READER::RecordingError(header, 0, "the file has become shorter");
   }
@@ -49,7 +46,7 @@ HeaderImage imageOf(const std::string& header) {
 }  // namespace
 
 RecordWriter::RecordWriter(const std::string& header, const KPF_READER::Recording& like)
-    : header_(header), like_(like) {
+    : header_(header), like_(like.header()), image_(imageOf(like.path())) {
   const std::string folder = namesOf(header_).folder;
   std::error_code error;
   if (fs::create_directory(nativePath(folder), error)) made_.push_back(nativePath(folder));
@@ -65,7 +62,7 @@ RecordWriter::~RecordWriter() {
 }
 
 void RecordWriter::add(std::span<const unsigned char> record) {
-  if (count_ % like_.header().framesPerDivFile == 0) nextFile();
+  if (count_ % like_.framesPerDivFile == 0) nextFile();
   file_.write(reinterpret_cast<const char*>(record.data()),
               static_cast<std::streamsize>(record.size()));
   if (!file_) failed(fileName_, lastError());
@@ -74,8 +71,7 @@ void RecordWriter::add(std::span<const unsigned char> record) {
 
 void RecordWriter::nextFile() {
   closeFile();
-  fileName_ =
-      KPF_FORMAT::divFileName(namesOf(header_), count_ / like_.header().framesPerDivFile + 1);
+  fileName_ = KPF_FORMAT::divFileName(namesOf(header_), count_ / like_.framesPerDivFile + 1);
   const fs::path path = nativePath(fileName_);
   // What has come there meanwhile is somebody else's: neither overwritten, nor removed at the end.
   if (const std::error_code error = makeNewFile(fileName_)) failed(fileName_, error);
@@ -92,11 +88,10 @@ void RecordWriter::closeFile() {
 
 void RecordWriter::finish() {
   closeFile();
-  HeaderImage image = imageOf(like_.path());
-  KPF_FORMAT::store(image.data(), layout::kFrameCount, count_);
+  KPF_FORMAT::store(image_.data(), layout::kFrameCount, count_);
   const Destination destination{header_, false, {}};
   NewFile file(header_, destination);
-  file.write(image.data(), image.size());
+  file.write(image_.data(), image_.size());
   file.commit();
   done_ = true;
 }

@@ -21,7 +21,7 @@ class RecordWriter {
  public:
   /// Makes the folder of the data files. Nothing of the recording may be there, see checkTarget.
   /// @param header of the new recording. @param like the recording whose records will come.
-  /// @throws ToolError.
+  /// @throws ToolError, KPF_READER::RecordingError.
   RecordWriter(const std::string& header, const KPF_READER::Recording& like);
   ~RecordWriter();
   RecordWriter(const RecordWriter&) = delete;
@@ -31,7 +31,7 @@ class RecordWriter {
   void add(std::span<const unsigned char> record);
 
   /// Closes the recording; its header is that of `like`, but for the number of frames.
-  /// @throws ToolError, KPF_READER::RecordingError.
+  /// @throws ToolError.
   void finish();
 
  private:
@@ -39,7 +39,8 @@ class RecordWriter {
   void closeFile();
 
   const std::string header_;
-  const KPF_READER::Recording& like_;
+  const KPF_READER::Header like_;
+  std::vector<unsigned char> image_;         // of the header file
   std::vector<std::filesystem::path> made_;  // the folder, where it was not there, and the files
   std::ofstream file_;
   std::string fileName_;

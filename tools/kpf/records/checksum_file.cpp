@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cstddef>
 #include <filesystem>
+#include <ostream>
 #include <string_view>
 #include <system_error>
 
@@ -48,7 +49,8 @@ std::string checksumFileName(const std::string& headerPath) {
 
 ChecksumWriter::ChecksumWriter(const std::string& path, const Identifier& identifier)
     : file_(PATHS::nativePath(path), std::ios::binary | std::ios::trunc) {
-  file_ << firstLine(identifier) << '\n';
+  // At once, so that whoever looks while the others come finds what it is.
+  file_ << firstLine(identifier) << std::endl;
 }
 
 void ChecksumWriter::add(std::uint32_t place, std::uint64_t checksum) {

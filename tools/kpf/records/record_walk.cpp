@@ -1,6 +1,9 @@
 #include "tools/kpf/records/record_walk.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <vector>
 
 #include "tools/kpf/terminal/text.h"
 
@@ -24,20 +27,32 @@ std::optional<Record> RecordWalk::at(std::uint32_t place) {
 }
 
 std::string RecordWalk::flaw() const {
-  std::string text;
+  std::vector<std::string> flaws;
   if (missing_ != 0) {
-    text = fmt::format("{} missing, the first is {}", areText(missing_), firstMissing_);
+    flaws.push_back(fmt::format("{} missing, the first is {}", areText(missing_), firstMissing_));
   }
   if (unreadable_ != 0) {
-    text += fmt::format("{}{} unreadable ({})", text.empty() ? "" : ", ", areText(unreadable_),
-                        escaped(unreadableText_));
+    flaws.push_back(
+        fmt::format("{} unreadable ({})", areText(unreadable_), escaped(unreadableText_)));
   }
-  return text;
+  if (const std::uint64_t bytes = bytesOfNoFrame(recording_)) {
+    flaws.push_back(countText(bytes, "byte") + " in its data files are of no frame");
+  }
+  if (isReplaced(recording_)) flaws.emplace_back("another recording has taken its place meanwhile");
+  return fmt::format("{}", fmt::join(flaws, ", "));
 }
 
-std::string RecordWalk::earlyEnd() const {
-  if (places_ >= announced_) return "";
-  return fmt::format("the recording ends after {} of {} announced frames", places_, announced_);
+std::string RecordWalk::wrongEnd() const {
+  const std::uint32_t announced = recording_.header().frameCount;
+  if (places_ < announced) {
+    return announcesCount(recording_.header())
+               ? fmt::format("the recording ends after {} of {} announced frames", places_,
+                             announced)
+               : fmt::format("the recording ends after {}, and was never closed",
+                             countText(places_, "frame"));
+  }
+  const std::uint64_t more = recordsBehindEnd(recording_);
+  return more == 0 ? "" : fmt::format("{} behind the announced end", areText(more));
 }
 
 }  // namespace KPF_TOOL

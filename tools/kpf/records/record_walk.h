@@ -17,9 +17,9 @@ class RecordWalk {
  public:
   /// @param recording must live as long.
   explicit RecordWalk(const KPF_READER::Recording& recording)
-      : records_(recording, KPF_READER::Access::kSequential),
-        places_(records_.places()),
-        announced_(recording.header().frameCount) {}
+      : recording_(recording),
+        records_(recording, KPF_READER::Access::kSequential),
+        places_(records_.places()) {}
 
   /// See Records::places.
   std::uint32_t places() const { return places_; }
@@ -28,17 +28,17 @@ class RecordWalk {
   /// one is asked for.
   std::optional<Record> at(std::uint32_t place);
 
-  /// What could not be given so far, in words for the user; empty when all could. Frames that were
-  /// recorded as lost are no such thing.
+  /// What could not be given so far, in words for the user, or may have been of another recording;
+  /// empty when all was as it should be. Frames that were recorded as lost are no such thing.
   std::string flaw() const;
 
-  /// The same of an end before the frames that the recording announces.
-  std::string earlyEnd() const;
+  /// The same of an end that is not where the recording announces it.
+  std::string wrongEnd() const;
 
  private:
+  const KPF_READER::Recording& recording_;
   Records records_;
   std::uint32_t places_;
-  std::uint32_t announced_;
   std::uint64_t missing_ = 0;
   std::uint32_t firstMissing_ = 0;
   std::uint64_t unreadable_ = 0;

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <stdexcept>
 
+#include "format/kpf_frame_count.h"
 #include "format/kpf_layout.h"
 
 namespace KPF_TOOL {
@@ -28,6 +29,11 @@ void parse(std::span<const unsigned char> bytes, Record& record) {
   record.sequenceNumber = static_cast<std::uint32_t>(number(layout::kSequenceNumber));
   record.seconds = static_cast<std::int64_t>(number(layout::kSeconds));
   record.microseconds = static_cast<std::uint32_t>(number(layout::kMicroseconds));
+}
+
+/// Bytes behind the last record that the data file may hold; a torn record before that is none.
+std::uint64_t bytesBehind(const KPF_READER::Header& header, const DivFile& file) {
+  return file.records == header.recordsInDivFile(file.number) ? file.trailingBytes : 0;
 }
 
 }  // namespace
@@ -124,6 +130,39 @@ void Records::fill(std::uint64_t offset, std::uint64_t size) {
   // What is not there for once is told with the system's own word, if it has one.
   data_->read(offset + held_, std::span(block_).first(1));
   throw RecordingError(file_->path, offset + held_, "the file has become shorter");
+}
+
+bool announcesCount(const KPF_READER::Header& header) {
+  return header.frameCount != KPF_FORMAT::kFrameCountUnknown;
+}
+
+std::uint64_t recordsBehindEnd(const KPF_READER::Recording& recording) {
+  const KPF_READER::Header& header = recording.header();
+  const auto& files = recording.divFiles();
+  if (files.empty() || files.back().number != header.divFileCount()) return 0;
+  return bytesBehind(header, files.back()) / header.recordSize();
+}
+
+std::uint64_t bytesOfNoFrame(const KPF_READER::Recording& recording) {
+  const KPF_READER::Header& header = recording.header();
+  std::uint64_t bytes = 0;
+  for (const DivFile& file : recording.divFiles()) {
+    const std::uint64_t behind = bytesBehind(header, file);
+    bytes += file.number == header.divFileCount() ? behind % header.recordSize() : behind;
+  }
+  return bytes;
+}
+
+bool isReplaced(const KPF_READER::Recording& recording) {
+  constexpr KPF_FORMAT::Field kIdentifier = KPF_FORMAT::HEADER::kIdentifier;
+  const auto& before = recording.header().identifier;
+  std::array<unsigned char, kIdentifier.size> now{};
+  try {
+    const std::size_t held = DataFile(recording.path()).read(kIdentifier.offset, now);
+    return held == now.size() && now != before;
+  } catch (const RecordingError&) {
+    return false;  // gone, and what is open stays what it was
+  }
 }
 
 void setSequenceNumber(std::span<unsigned char> bytes, std::uint32_t number) {

@@ -72,6 +72,22 @@ class Records {
   std::uint64_t held_ = 0;   // bytes of it that were read
 };
 
+/// Whether the header tells how many frames there are to be: a recorder that is at work, or was
+/// killed, may not have known.
+bool announcesCount(const KPF_READER::Header& header);
+
+/// How many whole records lie behind the last one that the recording announces: its header then
+/// tells too few.
+std::uint64_t recordsBehindEnd(const KPF_READER::Recording& recording);
+
+/// Bytes of data files that belong to no frame, be it a lost one or one behind the announced end:
+/// the header then tells of other frames than were recorded, or something was written between them.
+std::uint64_t bytesOfNoFrame(const KPF_READER::Recording& recording);
+
+/// Whether another recording has the name by now, by its identifier: data files that are opened one
+/// after the other may then be of both.
+bool isReplaced(const KPF_READER::Recording& recording);
+
 /// Makes the record in `bytes` say another number.
 void setSequenceNumber(std::span<unsigned char> bytes, std::uint32_t number);
 

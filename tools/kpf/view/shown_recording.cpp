@@ -29,13 +29,15 @@ ShownRecording::ShownRecording(const std::string& path)
       header_(recording_->header()),
       lookedAt_(Clock::now()) {}
 
-// A complete recording does not grow.
 std::shared_ptr<const Recording> ShownRecording::now() {
   const std::lock_guard lock(mutex_);
-  const bool complete = recording_->recordCount() == header_.frameCount;
-  if (complete || Clock::now() - lookedAt_ < kBelieved) return recording_;
-  auto found = std::make_shared<const Recording>(path_, Access::kSparse);
-  if (!sameShape(found->header(), header_)) {
+  if (Clock::now() - lookedAt_ < kBelieved) return recording_;
+  auto found = recording_;
+  // A complete recording does not grow.
+  if (found->recordCount() != header_.frameCount) {
+    found = std::make_shared<const Recording>(path_, Access::kSparse);
+  }
+  if (isReplaced(*recording_) || !sameShape(found->header(), header_)) {
     throw RecordingError(path_, 0, "another recording has taken its place: start kpf view again");
   }
   recording_ = std::move(found);
