@@ -78,6 +78,31 @@ class CutInputs(MediaInput):
                 self.check_cut(name, whole, packets[-1][1], said)  # where the last frame begins
                 self.check_cut(name, whole, position + size // 2, piped=False)
 
+    def test_what_is_passed_over_between_frames_is_told(self):
+        # A byte of the payload that a sum counts, and the length of what comes.
+        for name, codec, offset, said in (("v.ogv", "libtheora", 40, "CRC mismatch!"),
+                                          ("v.flv", "flv", 2, "Packet mismatch")):
+            whole = bytearray(self.encode(name, "-c:v", codec))
+            whole[self.packets(name)[20][1] + offset] ^= 1
+            self.write(name, bytes(whole))
+            code, _, err = self.kpf("record", name, "out.kpf", "--force", *self.start)
+            self.assertEqual(code, 1, (name, err))
+            self.assertRegex(err, said + "|damaged")
+
+    def test_damage_at_no_time_that_anybody_tells(self):
+        try:
+            whole = bytearray(self.encode("v.hevc", "-c:v", "libx265", "-x265-params",
+                                          "log-level=none"))
+        except subprocess.CalledProcessError:
+            self.skipTest("this FFmpeg does not encode HEVC")
+        self.check_whole("v.hevc")
+        position = self.packets("v.hevc")[20][1]
+        whole[position + 6:position + 9] = b"\xff\0\xff"  # within the header of a slice
+        self.write("v.hevc", bytes(whole))
+        code, _, err = self.kpf("record", "v.hevc", "out.kpf", "--force", *self.start)
+        self.assertEqual(code, 1, err)
+        self.assertIn("damaged", err)
+
     def test_what_is_torn_of_the_last_frame(self):
         whole = self.encode("v.dv", "-c:v", "dvvideo", "-s", "720x576", "-pix_fmt", "yuv420p",
                             "-frames:v", "5")

@@ -4,11 +4,13 @@ import math
 import os
 import random
 import re
+import signal
 import struct
+import subprocess
 import unittest
 import xml.etree.ElementTree
 
-from recordings import RecordingTest, header, record
+from recordings import KPF, RecordingTest, header, record
 
 WIDTH, HEIGHT, FRAMES, RATE = 64, 48, 200, 100
 RADIUS = 14
@@ -323,6 +325,40 @@ class Probe(RecordingTest):
             code, _, _ = self.kpf("probe", "clip.kpf", *INSIDE, option, name, "--force")
             self.assertEqual(code, 2)
         self.assertEqual(self.read("clip/clip_0001.div"), before)
+
+    def test_an_end_beyond_the_recording_is_told(self):
+        code, _, err = self.kpf("probe", "clip.kpf", *INSIDE, "--to", "500")
+        self.assertEqual((code, err), (
+            0, "kpf: --to 500 is beyond the end: the last frame is 199\n"))
+        for number in ("-1", "18446744073709551616", "1e3", ""):
+            code, _, err = self.kpf("probe", "clip.kpf", *INSIDE, "--to", number)
+            self.assertEqual(code, 2)
+            self.assertIn("--to: %s is no frame's number" % number, err)
+
+    def test_an_interrupted_probe_writes_nothing(self):
+        # So many frames, in a file without blocks, that it is at work for a while.
+        self.write("clip.kpf", header(640, 480, rate=float(RATE), frames=4000))
+        self.cut("clip/clip_0001.div", 0)
+        self.cut("clip/clip_0001.div", 4000 * (16 + 640 * 480))
+        self.patch("clip/clip_0001.div", 0, record(0, bytes(640 * 480)))
+        with subprocess.Popen([KPF, "probe", "clip.kpf", *INSIDE, "--waveform", "w.csv"],
+                              cwd=self.folder, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                              text=True) as process:
+            while not self.catches(process.pid):
+                self.assertIsNone(process.poll())
+            process.send_signal(signal.SIGINT)
+            out, err = process.communicate(timeout=60)
+        self.assertEqual((process.returncode, out), (1, ""))
+        self.assertEqual(err, "kpf: interrupted, nothing was written\nStart it again.\n")
+        self.assertEqual(sorted(os.listdir(self.folder)), ["clip", "clip.kpf"])
+
+    @staticmethod
+    def catches(pid):
+        """Whether SIGINT is caught, by the program itself."""
+        with open("/proc/%d/status" % pid, encoding="ascii") as file:
+            status = dict(line.split(":", 1) for line in file.read().splitlines())
+        return (status["Name"].strip() == "kpf" and
+                int(status["SigCgt"], 16) >> (signal.SIGINT - 1) & 1)
 
 
 if __name__ == "__main__":

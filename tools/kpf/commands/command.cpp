@@ -2,10 +2,27 @@
 
 #include <fmt/format.h>
 
+#include <charconv>
 #include <cstddef>
+#include <cstdint>
 #include <iterator>
+#include <system_error>
 
 namespace KPF_TOOL {
+namespace {
+
+// Parsed as an unsigned number, -1 would be the largest one, and so would be what no number holds.
+CLI::Validator frameNumber() {
+  const auto check = [](const std::string& text) -> std::string {
+    std::uint64_t number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [last, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && last == end ? "" : fmt::format("{} is no frame's number", text);
+  };
+  return {check, "NUMBER"};
+}
+
+}  // namespace
 
 const char* const kCutShortText = "cut short: interrupted, or the system refused to write";
 const char* const kNotBegunText = "wrong usage, or input that cannot be read; nothing was begun";
@@ -20,10 +37,8 @@ void addFooter(CLI::App& line, const std::string& example, const ExitStatus& sta
 }
 
 void addRange(CLI::App& line, FrameRange& range) {
-  // Parsed as an unsigned number, -1 would be the largest one.
-  line.add_option("--from", range.from, "first frame, counted from 0")
-      ->check(CLI::NonNegativeNumber);
-  line.add_option("--to", range.to, "last frame")->check(CLI::NonNegativeNumber);
+  line.add_option("--from", range.from, "first frame, counted from 0")->check(frameNumber());
+  line.add_option("--to", range.to, "last frame")->check(frameNumber());
 }
 
 // CLI11's own check takes NaN for a number of any range, and prints ranges with all their digits.

@@ -17,6 +17,7 @@
 #include "tools/kpf/probing/files.h"
 #include "tools/kpf/probing/measurement.h"
 #include "tools/kpf/probing/report.h"
+#include "tools/kpf/terminal/interrupt.h"
 #include "tools/kpf/terminal/json.h"
 #include "tools/kpf/terminal/progress.h"
 #include "tools/kpf/terminal/text.h"
@@ -123,12 +124,14 @@ Probed probedOf(const ProbeOptions& options) {
   probed.rate = options.rate > 0 ? options.rate : source->frameRate();
   probed.range = options.range;
   probed.frames = framesAskedFor(*source, options.range, options.file).value_or(0);
+  remark(options.quiet, beyondEnd(options.range, source->frameCount()));
   if (probed.rate <= 0) {
     throw wrongUsage(fmt::format("{} tells no frame rate", escaped(options.file)),
                      "Give one with --rate.");
   }
   if (probed.frames < kFewestFrames) {
-    throw wrongUsage(fmt::format("{} frames have no spectrum", probed.frames),
+    throw wrongUsage(fmt::format("{} {} no spectrum", countText(probed.frames, "frame"),
+                                 probed.frames == 1 ? "has" : "have"),
                      fmt::format("Choose at least {}.", kFewestFrames));
   }
   return probed;
@@ -177,8 +180,19 @@ std::string flawOf(const Report& report) {
   return report.box ? report.box->flaw : "";
 }
 
+/// Progress that ends the job where the user wishes so: nothing is written before all is measured.
+ProbeProgress shownBy(Progress& progress) {
+  return [&progress](std::uint64_t done) {
+    if (Interrupt::requested()) {
+      throw ToolError(Outcome::kCutShort, "interrupted, nothing was written", "Start it again.");
+    }
+    progress.show(done);
+  };
+}
+
 Outcome runProbe(const ProbeOptions& options) {
   checkOptions(options);
+  const Interrupt interrupt;
   const Probed probed = probedOf(options);
   const std::optional<Box> box = boxOf(options, probed.layout);
   checkFrequency(options, probed);
@@ -186,11 +200,11 @@ Outcome runProbe(const ProbeOptions& options) {
   Report report{options.file, probed.rate, probed.frames, options.scale, {}, {}, options.map};
   if (box) {
     Progress progress(options.quiet, 2 * probed.frames);
-    report.box = measure(probed, *box, [&](std::uint64_t done) { progress.show(done); });
+    report.box = measure(probed, *box, shownBy(progress));
   }
   if (!options.map.empty()) {
     Progress progress(options.quiet, probed.frames * (options.frequency ? 1 : 2));
-    const auto show = [&](std::uint64_t done) { progress.show(done); };
+    const ProbeProgress show = shownBy(progress);
     report.map = options.frequency ? mapOfFrequency(probed, *options.frequency, show)
                                    : mapOfDominance(probed, show);
   }

@@ -108,9 +108,12 @@ Outcome recordInto(const std::string& header, FrameSource& input, const RecordOp
   result.trouble = trouble;
   const bool whole = !complaints && result.onDisk == result.frames;
   result.written = stream.announce(result.frames, whole) && whole;
-  if (checked) result.written = checked->finish() && result.written;
   if (!result.written) {
     result.obstacle = obstacleTo(header, stream.isThere(), recordSizeOf(input, options));
+  }
+  if (checked && !checked->finish() && result.written) {
+    result.written = false;
+    result.obstacle = "not all of their checksums are";
   }
   // The library does not know that the smaller number was made true, and says so.
   if (result.written) captured.drop();

@@ -97,6 +97,8 @@ void Decoder::watch(int result, std::uint64_t errorsBefore) {
     spoilt_.insert(packetTime_);
   } else if (result < 0) {
     ++untimed_;
+  } else {
+    ++unplaced_;
   }
 }
 

@@ -34,6 +34,9 @@ class Decoder {
 
   /// Whether the present frame could not be decoded as it was encoded, or not at all.
   bool isDamaged() const { return damaged_; }
+  /// Packets whose decoding went wrong, of frames that came out all the same and tell no time:
+  /// which they are nobody knows.
+  std::uint64_t unplacedDamage() const { return unplaced_; }
   /// When the present frame is shown, or AV_NOPTS_VALUE.
   std::int64_t time() const { return time_; }
   /// The present frame; a neighbour of it, or an empty one, where it could not be decoded.
@@ -56,6 +59,7 @@ class Decoder {
   std::int64_t packetTime_ = AV_NOPTS_VALUE;
   std::set<std::int64_t> spoilt_;  // times of packets whose decoding went wrong
   std::uint64_t untimed_ = 0;      // lost frames of packets without a time
+  std::uint64_t unplaced_ = 0;
   bool damaged_ = false;
   std::int64_t time_ = AV_NOPTS_VALUE;
 };

@@ -3,6 +3,7 @@
 #define KPF_FFMPEG_LOG_H
 
 #include <cstdint>
+#include <string>
 
 namespace KPF_TOOL {
 
@@ -10,6 +11,7 @@ namespace KPF_TOOL {
 /// compares two counts.
 struct LogCounts {
   std::uint64_t errors = 0;
+  std::uint64_t ofContainers = 0;  // those of them that are about no frame
   std::uint64_t earlyEnds = 0;  // files that end within what they began; some formats say no more
 };
 
@@ -17,6 +19,9 @@ struct LogCounts {
 void listenToFFmpeg();
 
 LogCounts logCounts();
+
+/// The latest error of a container, in FFmpeg's words.
+std::string latestOfContainers();
 
 }  // namespace KPF_TOOL
 

@@ -9,7 +9,6 @@
 
 #include "tools/kpf/files/image_pattern.h"
 #include "tools/kpf/media/container_end.h"
-#include "tools/kpf/media/ffmpeg_log.h"
 #include "tools/kpf/media/stream_remarks.h"
 #include "tools/kpf/media/tiff_pictures.h"
 #include "tools/kpf/terminal/interrupt.h"
@@ -79,7 +78,7 @@ class Options {
 }  // namespace
 
 MediaFile::MediaFile(const std::string& name, const MediaHints& hints)
-    : name_(name), hints_(hints), earlyEndsBefore_(logCounts().earlyEnds) {
+    : name_(name), hints_(hints), before_(logCounts()) {
   open();
   findVideo();
 }
@@ -118,6 +117,10 @@ void MediaFile::open() {
                     input_.io() != nullptr && input_.isPipe() ? kPipeAdvice : kAdvice);
   }
   format_.reset(format);
+  // What is odd in a header need not have cost a frame; but of Ogg the first frames come with it.
+  if (std::string_view(format->iformat->name) != "ogg") {
+    before_.ofContainers = logCounts().ofContainers;
+  }
 }
 
 /// Opens the one file here, so that FFmpeg need not be allowed to open any.
@@ -227,6 +230,10 @@ void MediaFile::noteEnd(int result) {
     trouble_ = fmt::format("{} ends within a {}", escaped(name_), torn);
   } else if (trouble_ = earlyEnd(); trouble_.empty()) {
     trouble_ = missingPart();
+    if (trouble_.empty() && logCounts().ofContainers != before_.ofContainers) {
+      trouble_ = fmt::format("{} is damaged between its frames: {}", escaped(name_),
+                             escaped(latestOfContainers()));
+    }
   }
 }
 
@@ -248,7 +255,7 @@ std::string MediaFile::earlyEnd() const {
 std::string MediaFile::missingPart() const {
   if (input_.io() == nullptr) return "";
   std::string part = missingEnd(*format_, stream_, input_, static_cast<std::uint64_t>(bytes_));
-  if (logCounts().earlyEnds != earlyEndsBefore_) part = "the end of what it began last";
+  if (logCounts().earlyEnds != before_.earlyEnds) part = "the end of what it began last";
   return part.empty() ? "" : fmt::format("{} is cut off: {} is missing", escaped(name_), part);
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tools/kpf/media/ffmpeg.h"
+#include "tools/kpf/media/ffmpeg_log.h"
 #include "tools/kpf/media/media.h"
 #include "tools/kpf/media/watched_input.h"
 
@@ -49,8 +50,8 @@ class MediaFile {
 
   std::string name_;
   MediaHints hints_;
-  std::uint64_t earlyEndsBefore_;  // in FFmpeg's log
-  WatchedInput input_;             // outlives the format that reads from it
+  LogCounts before_;    // what FFmpeg's log had said when this was opened
+  WatchedInput input_;  // outlives the format that reads from it
   InputPtr format_;
   const AVCodec* codec_ = nullptr;
   int stream_ = -1;  // of the container's streams, the one that is decoded

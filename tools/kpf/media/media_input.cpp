@@ -1,4 +1,5 @@
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -81,11 +82,17 @@ bool MediaInput::next() {
 }
 
 std::string MediaInput::flaw() const {
-  const std::string& trouble = file_.trouble();
-  if (damaged_ == 0) return trouble;
-  const std::string damage =
-      fmt::format("{} {} damaged", countText(damaged_, "frame"), damaged_ == 1 ? "is" : "are");
-  return trouble.empty() ? damage : damage + ", " + trouble;
+  std::vector<std::string> parts;
+  const auto are = [](std::uint64_t count) { return count == 1 ? "is" : "are"; };
+  if (damaged_ > 0) {
+    parts.push_back(fmt::format("{} {} damaged", countText(damaged_, "frame"), are(damaged_)));
+  }
+  if (const std::uint64_t count = decoder_.unplacedDamage(); count > 0) {
+    parts.push_back(fmt::format("{} {} damaged, and nobody can tell which frame it is",
+                                countText(count, "packet"), are(count)));
+  }
+  if (!file_.trouble().empty()) parts.push_back(file_.trouble());
+  return fmt::format("{}", fmt::join(parts, ", "));
 }
 
 bool MediaInput::hasSize(const AVFrame& frame) const {
