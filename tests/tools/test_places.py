@@ -51,6 +51,17 @@ class Places(RecordingTest):
                              b"kpf: clip.kpf: 1 frame is missing, the first is 3\n")
         self.assertEqual((len(frames), frames[1:]), (3, [5, 6]))
 
+    def test_numbers_are_decimal(self):
+        """Whatever zeros stand before them, as in the names of images."""
+        self.write("clip.kpf", header(per_file=12, frames=12))
+        self.write("clip/clip_0001.div", b"".join(self.record(n) for n in range(12)))
+        self.assertEqual(self.frames("--from", "0010", "--to", "00011"), [11, 12])
+        self.assertEqual(self.frames("--from", "008", "--to", "0000000000000000000009"), [9, 10])
+        self.assertEqual(self.frames("--from", "00", "--to", "000"), [1])
+        self.assertEqual(self.kpf("export", "clip.kpf", "frames.y4m"), (0, "", ""))
+        self.assertEqual(self.kpf("record", "frames.y4m", "ten.kpf", "--frames", "010"),
+                         (0, "./ten.kpf: 10 frames recorded, 0 placeholders\n", ""))
+
     def test_images_bear_their_places(self):
         self.lose_the_second_file()
         self.assertEqual(self.kpf("export", "clip.kpf", "f_%02d.png", "--from", "4"), (0, "", ""))

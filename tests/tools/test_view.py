@@ -319,7 +319,8 @@ class Arguments(ViewTest):
         self.write("empty.kpf", header(width=0))
         for what, arguments in (("FILE is required", ()), ("missing.kpf", ("missing.kpf",)),
                                 ("frames without pixels", ("empty.kpf",)), ("--port", ("clip.kpf", "--port", "0")),
-                                ("--scale", ("clip.kpf", "--scale", "-1"))):
+                                ("--scale", ("clip.kpf", "--scale", "-1")),
+                                ("--scale: nan", ("clip.kpf", "--scale", "nan"))):
             code, out, err = self.kpf("view", "--no-browser", *arguments)
             self.assertEqual((code, out), (2, ""), arguments)
             self.assertIn(what, err)

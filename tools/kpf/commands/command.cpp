@@ -2,7 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
@@ -37,8 +39,20 @@ void addFooter(CLI::App& line, const std::string& example, const ExitStatus& sta
 }
 
 void addRange(CLI::App& line, FrameRange& range) {
-  line.add_option("--from", range.from, "first frame, counted from 0")->check(frameNumber());
-  line.add_option("--to", range.to, "last frame")->check(frameNumber());
+  line.add_option("--from", range.from, "first frame, counted from 0")
+      ->check(frameNumber())
+      ->transform(decimal());
+  line.add_option("--to", range.to, "last frame")->check(frameNumber())->transform(decimal());
+}
+
+CLI::Validator decimal() {
+  const auto strip = [](std::string& text) -> std::string {
+    const bool whole = text.find_first_not_of("0123456789") == std::string::npos;
+    const std::size_t zeros = std::min(text.find_first_not_of('0'), text.size());
+    if (whole && zeros > 0) text.erase(0, std::min(zeros, text.size() - 1));
+    return "";
+  };
+  return {strip, ""};
 }
 
 // CLI11's own check takes NaN for a number of any range, and prints ranges with all their digits.
@@ -50,6 +64,15 @@ CLI::Validator between(double low, double high) {
     return fmt::format("{} is no number from {} to {}", text, low, high);
   };
   return {check, fmt::format("{} to {}", low, high)};
+}
+
+CLI::Validator positive() {
+  const auto check = [](const std::string& text) -> std::string {
+    double value = 0;
+    if (CLI::detail::lexical_cast(text, value) && std::isfinite(value) && value > 0) return "";
+    return fmt::format("{} is no number above 0", text);
+  };
+  return {check, "POSITIVE"};
 }
 
 void addY4m(CLI::App& line, bool& y4m) {

@@ -53,6 +53,13 @@ void addRange(CLI::App& line, FrameRange& range);
 /// --y4m: frames in a pipe say what they are.
 void addY4m(CLI::App& line, bool& y4m);
 
+/// To be a transform() of options that are whole numbers: the zeros before 0010, as names of images
+/// have them, do not make it the 8 that they make of it in C, and in CLI11.
+CLI::Validator decimal();
+
+/// A number above 0; CLI11's own check takes NaN and infinity for one.
+CLI::Validator positive();
+
 /// A number of a range; what is none, and NaN, is refused in words that name the range.
 CLI::Validator between(double low, double high);
 

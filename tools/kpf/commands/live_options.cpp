@@ -88,6 +88,7 @@ void addLiveOptions(CLI::App& line, LiveOptions& options) {
   line.add_option("--buffers", options.buffers,
                   "frames that may wait while the disk is slow; those of half a second")
       ->check(CLI::Range(2U, 100000U))
+      ->transform(decimal())
       ->group(camera);
   const char* const both = "Cameras and events";
   line.add_option("--clock", options.clock, "times of the frames: camera, system or rate")
@@ -97,6 +98,7 @@ void addLiveOptions(CLI::App& line, LiveOptions& options) {
   line.add_option("--before", options.before,
                   "records kept from before an event: Enter, SIGUSR1 or --trigger")
       ->check(CLI::Range(0, 10000000))
+      ->transform(decimal())
       ->group(both);
   line.add_option("--trigger", options.trigger,
                   "motion:LEVEL, by how much frames are brighter than before, in the mean")

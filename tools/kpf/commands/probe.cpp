@@ -1,7 +1,6 @@
 // kpf probe: from picture to vibration.
 #include <fmt/format.h>
 
-#include <cmath>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -42,16 +41,6 @@ struct ProbeOptions {
 
 ToolError wrongUsage(const std::string& what, const std::string& advice) {
   return {Outcome::kWrongUsage, what, advice};
-}
-
-/// A number above 0; CLI11's own check takes NaN and infinity for one.
-CLI::Validator positive() {
-  const auto check = [](const std::string& text) -> std::string {
-    double value = 0;
-    if (CLI::detail::lexical_cast(text, value) && std::isfinite(value) && value > 0) return "";
-    return fmt::format("{} is no number above 0", text);
-  };
-  return {check, "POSITIVE"};
 }
 
 /// What needs no look into the recording.
@@ -225,10 +214,12 @@ void addProbe(CLI::App& app, Job& job) {
   line.add_option("FILE", options.file, "header file (.kpf)")->required();
   auto* const at = line.add_option("--at", options.at, "X,Y: the 15 x 15 pixels around a point")
                        ->delimiter(',')
-                       ->expected(2);
+                       ->expected(2)
+                       ->transform(decimal());
   line.add_option("--box", options.box, "X,Y,W,H: these pixels")
       ->delimiter(',')
       ->expected(4)
+      ->transform(decimal())
       ->excludes(at);
   line.add_option("--scale", options.scale, "millimetres a pixel, for displacement")
       ->check(positive());

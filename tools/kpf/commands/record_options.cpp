@@ -38,7 +38,8 @@ void addRecordOptions(CLI::App& line, RecordOptions& options) {
   line.add_option("--raw", options.raw,
                   "the input is bare frames: WIDTHxHEIGHT:gray8, :gray12le or :gray16le");
   line.add_option("--frames", options.frames, "frames to record at most")
-      ->check(CLI::Range(1U, 0xFFFFFFFFU));
+      ->check(CLI::Range(1U, 0xFFFFFFFFU))
+      ->transform(decimal());
   line.add_option("--duration", options.duration, "seconds to record at most")
       ->check(between(kShortest, kLongest));
   line.add_option("--rate", options.rate, "frames per second instead of the input's")

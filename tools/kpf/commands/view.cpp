@@ -12,8 +12,9 @@ void addView(CLI::App& app, Job& job) {
       ->required();
   line.add_flag("--live", options.live, "begin at the newest frame and follow it");
   line.add_option("--port", options.port, "of 127.0.0.1, instead of any that is free")
-      ->check(CLI::Range(1, 65535));
-  line.add_option("--scale", options.scale, "millimetres a pixel")->check(CLI::PositiveNumber);
+      ->check(CLI::Range(1, 65535))
+      ->transform(decimal());
+  line.add_option("--scale", options.scale, "millimetres a pixel")->check(positive());
   line.add_flag("--no-browser", options.noBrowser, "only print the address");
   addFooter(line, "kpf view clip.kpf",
             {"ended by Ctrl-C", "", "wrong usage, or a recording that cannot be read"});
