@@ -5,42 +5,24 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
-#include <string>
 
 #include "format/kpf_layout.h"
 #include "tests/support/files.h"
+#include "tests/tools/five_frames_test.h"
 #include "tools/kpf/checks/check_records.h"
-#include "vlm_internal.h"
 
 namespace {
 
 using namespace KPF_TOOL;
 
-/// A recording of five frames of 4 x 2 pixels.
-class RecordsTest : public testing::Test {
+class RecordsTest : public FiveFramesTest {
  protected:
-  RecordsTest() {
-    VLM_INTERNAL::VXP_STREAM_CONFIGURATION configuration;
-    configuration.width = 4;
-    configuration.height = 2;
-    configuration.bitsPerPixel = 8;
-    configuration.frameRate = 25;
-    configuration.frameCount = 5;
-    const unsigned stream = vxCreatePackStreamer(header_, configuration);
-    const unsigned char image[8] = {};
-    for (int n = 0; n < 5; ++n) vxAddTiffImageData(stream, image);
-    vxClosePackStreamer(stream);
-  }
-
   /// Another byte somewhere in the header file.
   void change(std::size_t offset) {
     auto bytes = TEST_SUPPORT::readBytes(header_);
     bytes[offset] ^= 0xFF;
     TEST_SUPPORT::writeBytes(header_, bytes);
   }
-
-  TEST_SUPPORT::TemporaryFolder folder_;
-  const std::string header_ = folder_ / "clip.kpf";
 };
 
 TEST_F(RecordsTest, AnotherIdentifierIsAnotherRecording) {

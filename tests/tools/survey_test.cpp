@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "tests/support/files.h"
+#include "tests/tools/five_frames_test.h"
 #include "tools/kpf/checks/check_files.h"
 #include "tools/kpf/checks/check_records.h"
-#include "vlm_internal.h"
 
 namespace {
 
@@ -20,23 +20,8 @@ using namespace KPF_TOOL;
 
 constexpr std::size_t kRecord = 16 + 8;  // bytes; frames of 4 x 2 pixels at 8 bits
 
-/// A recording of five frames, sound as the library leaves it.
-class FiveFrames : public testing::Test {
+class FiveFrames : public FiveFramesTest {
  protected:
-  FiveFrames() {
-    VLM_INTERNAL::VXP_STREAM_CONFIGURATION configuration;
-    configuration.width = 4;
-    configuration.height = 2;
-    configuration.bitsPerPixel = 8;
-    configuration.frameRate = 25;
-    configuration.frameCount = 5;
-    configuration.startSeconds = 1700000000;
-    const unsigned stream = vxCreatePackStreamer(header_, configuration);
-    const unsigned char image[8] = {1, 2, 3, 4, 5, 6, 7, 8};
-    for (int n = 0; n < 5; ++n) vxAddTiffImageData(stream, image);
-    vxClosePackStreamer(stream);
-  }
-
   /// Makes zeros of record `n`.
   void wipe(std::size_t n) {
     auto bytes = TEST_SUPPORT::readBytes(data_);
@@ -44,8 +29,6 @@ class FiveFrames : public testing::Test {
     TEST_SUPPORT::writeBytes(data_, bytes);
   }
 
-  TEST_SUPPORT::TemporaryFolder folder_;
-  const std::string header_ = folder_ / "clip.kpf";
   const std::string data_ = folder_ / "clip/clip_0001.div";
 };
 

@@ -138,20 +138,22 @@ class Info(RecordingTest):
         self.assertIn("./clip.kpf, byte 0: not the header of a recording\n", err)
 
     def test_json_tells_a_failure_too(self):
-        code, out, err = self.kpf("info", "--json", "none.kpf")
-        self.assertEqual(code, 2)
-        self.assertEqual(json.loads(out), {"error": {
-            "name": "unreadable-input", "text": "none.kpf, byte 0: " + NOT_THERE,
-            "advice": "Give the header file (.kpf) of a recording that you may read.",
-            "exitCode": 2}})
-        self.assertIn("kpf: none.kpf, byte 0: " + NOT_THERE + "\n", err)
+        for command in ("info", "verify"):
+            code, out, err = self.kpf(command, "--json", "none.kpf")
+            self.assertEqual(code, 2)
+            self.assertEqual(json.loads(out), {"error": {
+                "name": "unreadable-input", "text": "none.kpf, byte 0: " + NOT_THERE,
+                "advice": "Give the header file (.kpf) of a recording that you may read.",
+                "exitCode": 2}})
+            self.assertIn("kpf: none.kpf, byte 0: " + NOT_THERE + "\n", err)
 
     def test_json_tells_wrong_usage_too(self):
-        code, out, err = self.kpf("info", "--json")
-        self.assertEqual(code, 2)
-        self.assertEqual(json.loads(out)["error"]["name"], "wrong-usage")
-        self.assertIn("FILE", json.loads(out)["error"]["text"])
-        self.assertIn("--help", err)
+        for command in ("info", "verify"):
+            code, out, err = self.kpf(command, "--json")
+            self.assertEqual(code, 2)
+            self.assertEqual(json.loads(out)["error"]["name"], "wrong-usage")
+            self.assertIn("FILE", json.loads(out)["error"]["text"])
+            self.assertIn("--help", err)
 
 
 if __name__ == "__main__":

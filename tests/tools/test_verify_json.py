@@ -2,7 +2,7 @@
 import json
 import unittest
 
-from recordings import NOT_THERE, RecordingTest
+from recordings import RecordingTest
 from test_verify import DIV, NO_STATUS
 
 
@@ -39,22 +39,6 @@ class VerifyJson(RecordingTest):
         self.assertEqual((code, verdict["ok"], verdict["noteCount"]), (0, True, 1))
         code, out, _ = self.kpf("verify", "--json", "--strict", "clip.kpf")
         self.assertEqual((code, json.loads(out)["ok"]), (1, False))
-
-    def test_json_tells_a_failure_too(self):
-        code, out, err = self.kpf("verify", "--json", "none.kpf")
-        self.assertEqual(code, 2)
-        self.assertEqual(json.loads(out), {"error": {
-            "name": "unreadable-input", "text": "none.kpf, byte 0: " + NOT_THERE,
-            "advice": "Give the header file (.kpf) of a recording that you may read.",
-            "exitCode": 2}})
-        self.assertIn("kpf: none.kpf, byte 0: " + NOT_THERE + "\n", err)
-
-    def test_json_tells_wrong_usage_too(self):
-        code, out, err = self.kpf("verify", "--json")
-        self.assertEqual(code, 2)
-        self.assertEqual(json.loads(out)["error"]["name"], "wrong-usage")
-        self.assertIn("FILE", json.loads(out)["error"]["text"])
-        self.assertIn("--help", err)
 
 
 if __name__ == "__main__":
