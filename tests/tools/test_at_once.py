@@ -36,6 +36,7 @@ class Writers(VideoTest):
             with self.recording("--force", "--quiet", *how) as process:
                 for command in (("record", "eight.y4m"), ("cut", "clip.kpf")):
                     self.assertEqual(self.kpf(*command, "out.kpf", "--force"), (2, "", said))
+                self.assertEqual(self.kpf("checksum", "out.kpf", "--force"), (2, "", said))
                 _, err = process.communicate(frames(40, 230), timeout=60)
             self.assertEqual((process.returncode, err), (0, b""))
             self.check_complete(recorded)
