@@ -3,7 +3,7 @@ import os
 import struct
 import unittest
 
-from videos import MediaInput, png
+from videos import MediaInput, png, y4m
 
 class WayBack(MediaInput):
     """What export writes, record reads."""
@@ -104,6 +104,13 @@ class WayBack(MediaInput):
         code, _, err = self.record_piped(bytes(24 * 2 + 5), "--raw", "6x4:gray8", "--rate", "25")
         self.assertEqual(code, 1)
         self.assertIn("3 frames recorded, 1 placeholder: 1 frame is damaged\n", err)
+
+    def test_a_pipe_without_frames_is_no_matter_of_its_container(self):
+        for source, *options in ((b"", "--raw", "6x4:gray8", "--rate", "25"),
+                                 (y4m([], 6, 4),)):
+            code, _, err = self.record_piped(source, *options)
+            self.assertEqual((code, err), (2, "kpf: - holds no frames\n"
+                                              "Give a video that can be decoded.\n"))
 
     def test_what_cannot_be_piped_is_told(self):
         head = struct.pack(">I", 32) + b"ftypisom" + bytes(20)

@@ -41,8 +41,7 @@ bool findFirstFrame(FrameSource& input, const RecordOptions& options) {
   if (found) return true;
   throw ToolError(Outcome::kUnreadableInput,
                   fmt::format("{} holds no frames", escaped(options.input)),
-                  options.input == "-" ? "MP4 and MOV cannot be piped, give the file itself."
-                                       : "Give a video that can be decoded.");
+                  "Give a video that can be decoded.");
 }
 
 VLM_INTERNAL::VXP_STREAM_CONFIGURATION configurationFor(const Geometry& geometry,

@@ -20,8 +20,6 @@ namespace {
 
 constexpr const char* kAdvice =
     "Give a video file, an image pattern (frame_%04d.png), a camera (/dev/video0) or - .";
-constexpr const char* kPipeAdvice =
-    "MP4 and MOV cannot be piped, give the file itself; of bare frames say what they are by --raw.";
 
 // Frames by which a file may end before its own length: containers round, and count the last one
 // or do not.

@@ -13,6 +13,10 @@
 
 namespace KPF_TOOL {
 
+/// What to do where a pipe brings nothing that can be decoded.
+constexpr const char* kPipeAdvice =
+    "MP4 and MOV cannot be piped, give the file itself; of bare frames say what they are by --raw.";
+
 /**
  * A file, images, a camera or a pipe, read packet by packet.
  *

@@ -66,8 +66,7 @@ MediaInput::MediaInput(const std::string& name, Samples samples, const MediaHint
       decoder_.status() < 0 ? ffmpegError(decoder_.status()) : "its frames tell no size";
   throw ToolError(Outcome::kUnreadableInput,
                   fmt::format("cannot decode {}: {}", escaped(name_), why),
-                  name_ == "-" ? "MP4 and MOV cannot be piped, give the file itself."
-                               : "Give a video that this FFmpeg can decode.");
+                  name_ == "-" ? kPipeAdvice : "Give a video that this FFmpeg can decode.");
 }
 
 bool MediaInput::next() {
