@@ -136,7 +136,8 @@ class Record(VideoTest):
     def test_bad_arguments(self):
         self.refused("cannot open missing.avi", "missing.avi", "out.kpf")
         self.write("noise.avi", b"this is no video")
-        self.refused("noise.avi", "noise.avi", "out.kpf")
+        self.assertIn("\nGive a video file", self.refused("cannot open noise.avi", "noise.avi",
+                                                          "out.kpf"))
         self.refused("has no extension", "eight.y4m", "out")
         self.refused("has no extension", "eight.y4m", ".kpf")
         self.refused("is not a time", "eight.y4m", "out.kpf", "--start", "yesterday")
