@@ -86,14 +86,22 @@ class CutInputs(MediaInput):
 
     def test_what_is_passed_over_between_frames_is_told(self):
         # A byte of the payload that a sum counts, and the length of what comes.
-        for name, codec, offset, said in (("v.ogv", "libtheora", 40, "CRC mismatch!"),
-                                          ("v.flv", "flv", 2, r"Packet mismatch [\d ]+")):
-            whole = bytearray(self.encode(name, "-c:v", codec))
-            whole[self.packets(name)[20][1] + offset] ^= 1
+        for name, codec, frame, offset, said in (
+                ("v.ogv", "libtheora", 0, 40, "CRC mismatch!"),  # looked at before any is read
+                ("v.ogv", "libtheora", 20, 40, "CRC mismatch!"),
+                ("v.flv", "flv", 20, 2, r"Packet mismatch [\d ]+")):
+            whole = bytearray(self.encode(name, "-y", "-c:v", codec))
+            whole[self.packets(name)[frame][1] + offset] ^= 1
             self.write(name, bytes(whole))
             code, _, err = self.kpf("record", name, "out.kpf", "--force", *self.start)
             self.assertEqual(code, 1, (name, err))
             self.assertRegex(err, f"damaged between its frames: {said}\\n$")
+
+    def test_what_is_odd_in_a_header_costs_no_frame(self):
+        whole = bytearray(self.encode("v.mkv", *PNG))
+        whole[whole.index(b"\xec\x01\0\0") + 6] |= 0x40  # the length of what is left free
+        self.write("v.mkv", bytes(whole))
+        self.check_whole("v.mkv")
 
     def test_damage_at_no_time_that_anybody_tells(self):
         try:
