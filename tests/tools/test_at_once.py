@@ -44,6 +44,21 @@ class Writers(VideoTest):
         self.record("eight.y4m", "out.kpf", "--force")
         self.check_complete(5)
 
+    def test_who_waited_for_a_first_frame_finds_what_began_meanwhile(self):
+        os.mkfifo(self.path("later.y4m"))
+        with subprocess.Popen([KPF, "record", "later.y4m", "out.kpf", "--force"], cwd=self.folder,
+                              stderr=subprocess.PIPE) as waiting:
+            with open(self.path("later.y4m"), "wb") as later:  # as soon as the other end is open
+                with self.recording() as process:
+                    later.write(HEAD + frames(5, 30))
+                    later.close()
+                    _, err = waiting.communicate(timeout=60)
+                    self.assertEqual((waiting.returncode, err.splitlines()[0]),
+                                     (2, b"kpf: ./out.kpf is being written"))
+                    process.communicate(frames(40, 230), timeout=60)
+                self.assertEqual(process.returncode, 0)
+        self.check_complete(100)
+
     def test_an_event_does_not_begin_anew_what_is_being_recorded(self):
         """Neither when it comes, nor, with a loss that could be known, when it is waited for."""
         self.write("event.y4m", HEAD + frames(40, 30) + frames(5, 230))

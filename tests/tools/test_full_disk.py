@@ -45,6 +45,17 @@ class FullDisk(VideoTest):
         self.assertEqual(code, 0, out)
         self.assertIn("29 of 30 frames", out)
 
+    def test_checksums(self):
+        """A line is longer than the smallest record, so that the recording fits and they do not."""
+        self.write("in.y4m", y4m([[n, n + 1] for n in range(200)], 2, 1))
+        code, out, err = self.kpf("record", "in.y4m", "new.kpf", "--checksums", file_size=3800)
+        self.assertEqual((code, out), (1, ""))
+        self.assertEqual(err, "kpf: ./new.kpf: 200 of 200 frames are on disk: not all of their "
+                              "checksums are\n"
+                              "What is there can be read; kpf verify tells what is missing.\n")
+        self.assertFalse(os.path.exists(self.path("new.kpf.incomplete.txt")))
+        self.assertIn("checksum", self.kpf("verify", "new.kpf")[1])
+
     def test_results(self):
         """No limit ends a command in the midst of its work: what it had begun is taken away."""
         for arguments in (("probe", "clip.kpf", "--box", "10,10,20,20", "--map", "map.raw",

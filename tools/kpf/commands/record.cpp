@@ -107,16 +107,17 @@ Outcome recordInto(const std::string& header, FrameSource& input, const RecordOp
   RecordResult result = resultOf(header, stream, recorder, timed, options);
   result.trouble = trouble;
   const bool whole = !complaints && result.onDisk == result.frames;
-  result.written = stream.announce(result.frames, whole) && whole;
-  if (!result.written) {
+  const bool complete = stream.announce(result.frames, whole) && whole;
+  result.written = complete;
+  if (!complete) {
     result.obstacle = obstacleTo(header, stream.isThere(), recordSizeOf(input, options));
   }
-  if (checked && !checked->finish() && result.written) {
+  if (checked && !checked->finish() && complete) {
     result.written = false;
     result.obstacle = "not all of their checksums are";
   }
   // The library does not know that the smaller number was made true, and says so.
-  if (result.written) captured.drop();
+  if (complete) captured.drop();
   captured.release();
   report.remark(timeRemark(recorder.timeline(), options));
   return report.conclude(result);
