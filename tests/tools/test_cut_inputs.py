@@ -97,6 +97,16 @@ class CutInputs(MediaInput):
             self.assertEqual(code, 1, (name, err))
             self.assertRegex(err, f"damaged between its frames: {said}\\n$")
 
+    def test_a_size_that_nobody_knew_is_none(self):
+        whole = bytearray(self.encode("v.wmv", "-c:v", "wmv2"))
+        properties = whole.index(b"\xa1\xdc\xab\x8c\x47\xa9\xcf\x11")
+        whole[properties + 40:properties + 48] = struct.pack("<Q", 10 * len(whole))
+        self.write("v.wmv", bytes(whole))
+        self.assertEqual(self.kpf("record", "v.wmv", "out.kpf", *self.start)[0], 1)
+        whole[properties + 88] |= 1  # broadcast
+        self.write("v.wmv", bytes(whole))
+        self.check_whole("v.wmv")
+
     def test_what_is_odd_in_a_header_costs_no_frame(self):
         whole = bytearray(self.encode("v.mkv", *PNG))
         whole[whole.index(b"\xec\x01\0\0") + 6] |= 0x40  # the length of what is left free
@@ -204,9 +214,11 @@ class CutInputs(MediaInput):
 
     def test_mp4_in_a_pipe_is_told_as_such(self):
         whole = self.encode("v.mp4", "-c:v", "mpeg4")
-        for size in (len(whole), len(whole) - 1):
+        for size, said in ((len(whole), "cannot decode -: its frames tell no size\n"),
+                           (len(whole) - 1, "cannot open -: ")):
             code, _, err = self.record_piped(whole[:size])
             self.assertEqual(code, 2)
+            self.assertIn(said, err)
             self.assertIn("MP4 and MOV cannot be piped, give the file itself", err)
             self.assertFalse(os.path.exists(self.path("out.kpf")))
 
