@@ -44,6 +44,11 @@ inline DataNames dataNames(const std::string& stem) {
   return names;
 }
 
+/// The same of a header's path, which is taken whole where it has no extension.
+inline DataNames dataNamesOf(const std::string& headerPath) {
+  return dataNames(withoutExtension(headerPath).value_or(headerPath));
+}
+
 /// @param number of the data file, from 1.
 inline std::string divFileName(const DataNames& names, std::uint32_t number) {
   return fmt::sprintf("%s%s_%04u.%s", names.folder, names.base, number, kDivExtension);

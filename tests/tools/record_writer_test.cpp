@@ -9,8 +9,8 @@
 
 #include "kpf_reader.h"
 #include "tests/support/files.h"
+#include "tests/tools/five_frames_test.h"
 #include "tools/kpf/terminal/tool_error.h"
-#include "vlm_internal.h"
 
 namespace {
 
@@ -18,46 +18,34 @@ using namespace KPF_TOOL;
 
 const std::vector<unsigned char> kRecord(16 + 8, 0x55);  // of 4 x 2 pixels at 8 bits
 
-/// A recording of one frame, whose like is to be written.
-class RecordWriterTest : public testing::Test {
+/// Writes the like of the five frames.
+class RecordWriterTest : public FiveFramesTest {
  protected:
-  RecordWriterTest() {
-    VLM_INTERNAL::VXP_STREAM_CONFIGURATION configuration;
-    configuration.width = 4;
-    configuration.height = 2;
-    configuration.bitsPerPixel = 8;
-    configuration.frameCount = 1;
-    const unsigned stream = vxCreatePackStreamer(folder_ / "clip.kpf", configuration);
-    vxAddTiffImageData(stream, kRecord.data());
-    vxClosePackStreamer(stream);
-  }
-
-  TEST_SUPPORT::TemporaryFolder folder_;
-  const std::string header_ = folder_ / "new.kpf";
+  const std::string new_ = folder_ / "new.kpf";
   const std::string data_ = folder_ / "new/new_0001.div";
 };
 
 TEST_F(RecordWriterTest, WritesWhatCanBeReadBack) {
-  const KPF_READER::Recording like(folder_ / "clip.kpf");
-  RecordWriter writer(header_, like);
+  const KPF_READER::Recording like(header_);
+  RecordWriter writer(new_, like);
   writer.add(kRecord);
   writer.add(kRecord);
   writer.finish();
-  EXPECT_EQ(KPF_READER::Recording(header_).recordCount(), 2U);
-  EXPECT_EQ(KPF_READER::Recording(header_).header().frameCount, 2U);
+  EXPECT_EQ(KPF_READER::Recording(new_).recordCount(), 2U);
+  EXPECT_EQ(KPF_READER::Recording(new_).header().frameCount, 2U);
 }
 
 TEST_F(RecordWriterTest, WithoutAnEndNothingIsLeft) {
-  const KPF_READER::Recording like(folder_ / "clip.kpf");
-  RecordWriter(header_, like).add(kRecord);
+  const KPF_READER::Recording like(header_);
+  RecordWriter(new_, like).add(kRecord);
   EXPECT_FALSE(std::filesystem::exists(folder_ / "new"));
-  EXPECT_FALSE(std::filesystem::exists(header_));
+  EXPECT_FALSE(std::filesystem::exists(new_));
 }
 
 TEST_F(RecordWriterTest, WhatCameThereMeanwhileIsLeftAlone) {
-  const KPF_READER::Recording like(folder_ / "clip.kpf");
+  const KPF_READER::Recording like(header_);
   {
-    RecordWriter writer(header_, like);
+    RecordWriter writer(new_, like);
     TEST_SUPPORT::writeText(data_, "somebody's");
     try {
       writer.add(kRecord);

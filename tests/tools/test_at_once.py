@@ -63,7 +63,8 @@ class Writers(VideoTest):
         """Neither when it comes, nor, with a loss that could be known, when it is waited for."""
         self.write("event.y4m", HEAD + frames(40, 30) + frames(5, 230))
         with subprocess.Popen([KPF, "record", "-", "out.kpf", "--force", *EVENT], cwd=self.folder,
-                              stdin=subprocess.PIPE, stderr=subprocess.PIPE) as waiting:
+                              stdin=subprocess.PIPE, stdout=subprocess.DEVNULL,
+                              stderr=subprocess.PIPE) as waiting:
             waiting.stdin.write(HEAD + frames(40, 30))
             waiting.stdin.flush()
             self.assertIn(b"nothing is written until", waiting.stderr.readline())

@@ -10,6 +10,7 @@
 #include "tools/kpf/commands/open.h"
 #include "tools/kpf/files/new_file.h"
 #include "tools/kpf/recording/claim.h"
+#include "tools/kpf/recording/target.h"
 #include "tools/kpf/records/checksum.h"
 #include "tools/kpf/records/checksum_file.h"
 #include "tools/kpf/records/record_walk.h"
@@ -42,9 +43,8 @@ bool writeChecksums(RecordWalk& walk, ChecksumWriter& writer, bool quiet) {
 Outcome runChecksum(const ChecksumOptions& options) {
   const Interrupt interrupt;
   const KPF_READER::Recording recording(options.file);
-  // Its recorder may be keeping checksums of its own. See headerPath for the name.
-  const bool inFolder = options.file.find('/') != std::string::npos;
-  checkUnclaimed(inFolder ? options.file : "./" + options.file);
+  // Its recorder may be keeping checksums of its own.
+  checkUnclaimed(withFolder(options.file));
   RecordWalk walk(recording);
   if (walk.places() == 0) throw noSuchFrames(options.file, "it has none at all");
   const Destination destination{checksumFileName(options.file), options.force, {}};

@@ -40,15 +40,14 @@ PictureFormat formatOf(const FrameSource& source, std::uint64_t frames,
           options.range.first(), frames,          options.y4m};
 }
 
-/// What to say of a frame rate that no video holds. Bare frames and images have none anyway.
-std::string rateRemark(const FrameSource& source, const ExportOptions& options) {
+/// What to say of a frame rate that no video holds.
+std::string rateRemark(const FrameSource& source, const PictureOutput& output,
+                       const std::string& name) {
   const double rate = source.frameRate();
-  if (isShowableRate(rate) || isBare(options.output, options.y4m) || isImage(options.output)) {
-    return "";
-  }
+  if (isShowableRate(rate) || !output.tellsRate()) return "";
   const std::string told =
       rate == 0 ? "no frame rate" : fmt::format("an impossible frame rate: {:g}", rate);
-  return fmt::format("{} tells {}; {:g} is taken", escaped(options.file), told, kRateOfNone);
+  return fmt::format("{} tells {}; {:g} is taken", escaped(name), told, kRateOfNone);
 }
 
 /// The frames on their way out, and what is shown for those that were lost.
@@ -118,7 +117,7 @@ Outcome runExport(const ExportOptions& options) {
   remark(options.quiet, beyondEnd(options.range, source->frameCount()));
   for (const std::string& line : source->remarks()) remark(options.quiet, line);
   remark(options.quiet, output->remark());
-  remark(options.quiet, rateRemark(*source, options));
+  remark(options.quiet, rateRemark(*source, *output, options.file));
   Copy copy(*source, *output, options);
   const std::uint64_t done = copy.run(frames);
   if (!copy.anyShown() && done > 0) throw noSuchFrames(options.file, "all of them were lost");

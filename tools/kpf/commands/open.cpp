@@ -79,12 +79,6 @@ bool isBare(const std::string& output, bool y4m) {
   return (output == "-" && !y4m) || lowerCase(output).ends_with(".raw");
 }
 
-bool isImage(const std::string& output) {
-  const std::string name = lowerCase(output);
-  return name.ends_with(".png") || name.ends_with(".tif") || name.ends_with(".tiff") ||
-         name.ends_with(".pgm");
-}
-
 std::optional<std::uint64_t> framesAskedFor(const FrameSource& source, const FrameRange& range,
                                             const std::string& name) {
   if (range.to && *range.to < range.first()) {

@@ -43,9 +43,6 @@ std::unique_ptr<PictureOutput> openOutput(const Destination& destination,
 /// Whether what goes there is bare frames, for who looks for the very samples of the recording.
 bool isBare(const std::string& output, bool y4m);
 
-/// Whether that is the name of images.
-bool isImage(const std::string& output);
-
 /// The error of a range that no frame is in.
 ToolError noSuchFrames(const std::string& name, const std::string& why);
 

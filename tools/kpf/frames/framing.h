@@ -12,6 +12,8 @@ namespace KPF_TOOL {
 struct Framing {
   std::string before;     // of all frames
   std::string eachFrame;  // before each one
+
+  bool tellsRate() const { return !before.empty(); }
 };
 
 /// Y4M, which tells size, rate and samples; players and `kpf record` read it.

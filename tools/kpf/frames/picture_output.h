@@ -44,6 +44,9 @@ class PictureOutput {
   /// No picture where there might be one: images have numbers, which go on.
   virtual void pass() {}
 
+  /// Whether the frame rate goes there, too: bare frames and images have none.
+  virtual bool tellsRate() const { return false; }
+
   /// What the user should know of the pictures before they are made; mostly nothing.
   virtual std::string remark() const { return ""; }
 

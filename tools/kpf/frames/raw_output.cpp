@@ -35,6 +35,8 @@ class RawOutput : public PictureOutput {
     put(rows, size_);
   }
 
+  bool tellsRate() const override { return framing_.tellsRate(); }
+
   void finish() override {
     if (output_ < 0) fail();
   }

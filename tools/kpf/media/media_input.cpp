@@ -82,13 +82,9 @@ bool MediaInput::next() {
 
 std::string MediaInput::flaw() const {
   std::vector<std::string> parts;
-  const auto are = [](std::uint64_t count) { return count == 1 ? "is" : "are"; };
-  if (damaged_ > 0) {
-    parts.push_back(fmt::format("{} {} damaged", countText(damaged_, "frame"), are(damaged_)));
-  }
+  if (damaged_ > 0) parts.push_back(areText(damaged_, "frame") + " damaged");
   if (const std::uint64_t count = decoder_.unplacedDamage(); count > 0) {
-    parts.push_back(fmt::format("{} {} damaged, and nobody can tell which frame it is",
-                                countText(count, "packet"), are(count)));
+    parts.push_back(areText(count, "packet") + " damaged, and nobody can tell which frame it is");
   }
   if (!file_.trouble().empty()) parts.push_back(file_.trouble());
   return fmt::format("{}", fmt::join(parts, ", "));

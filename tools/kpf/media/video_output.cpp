@@ -33,6 +33,8 @@ class VideoOutput : public PictureOutput {
     encoder_.encode(rows, [this](AVPacket& packet) { write(packet); });
   }
 
+  bool tellsRate() const override { return true; }
+
   std::string remark() const override { return encoder_.remark(); }
 
   void finish() override {

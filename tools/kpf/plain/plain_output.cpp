@@ -27,14 +27,16 @@ class FrameFile : public PictureOutput {
         newFile_(destination_.name, destination_),
         out_(PATHS::nativePath(newFile_.path()), std::ios::binary),
         size_(format.rowSize() * format.height),
-        eachFrame_(framing.eachFrame) {
-    put(framing.before.data(), framing.before.size());
+        framing_(framing) {
+    put(framing_.before.data(), framing_.before.size());
   }
 
   void add(const unsigned char* rows) override {
-    put(eachFrame_.data(), eachFrame_.size());
+    put(framing_.eachFrame.data(), framing_.eachFrame.size());
     put(reinterpret_cast<const char*>(rows), size_);
   }
+
+  bool tellsRate() const override { return framing_.tellsRate(); }
 
   // Here, not in the destructor: a disk may refuse the last bytes when the file is closed.
   void finish() override {
@@ -57,7 +59,7 @@ class FrameFile : public PictureOutput {
   NewFile newFile_;
   std::ofstream out_;  // closed before newFile_ removes what was not finished
   std::size_t size_;
-  std::string eachFrame_;
+  Framing framing_;
 };
 
 /// Frames as grey images that every program reads.

@@ -13,9 +13,7 @@ namespace KPF_TOOL {
 namespace fs = std::filesystem;
 namespace {
 
-std::string folderOf(const std::string& header) {
-  return KPF_FORMAT::dataNames(KPF_FORMAT::withoutExtension(header).value_or(header)).folder;
-}
+std::string folderOf(const std::string& header) { return KPF_FORMAT::dataNamesOf(header).folder; }
 
 [[noreturn]] void refuse(const std::string& header) {
   throw ToolError(Outcome::kRefused, fmt::format("{} is being written", escaped(header)),

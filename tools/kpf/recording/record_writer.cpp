@@ -23,10 +23,6 @@ using PATHS::nativePath;
 namespace layout = KPF_FORMAT::HEADER;
 namespace {
 
-KPF_FORMAT::DataNames namesOf(const std::string& header) {
-  return KPF_FORMAT::dataNames(KPF_FORMAT::withoutExtension(header).value_or(header));
-}
-
 [[noreturn]] void failed(const std::string& name, const std::error_code& error) {
   throw ToolError(Outcome::kWriteFailed,
                   fmt::format("cannot write {}: {}", escaped(name), error.message()),
@@ -47,7 +43,7 @@ std::vector<unsigned char> imageOf(const std::string& header) {
 
 RecordWriter::RecordWriter(const std::string& header, const KPF_READER::Recording& like)
     : header_(header), like_(like.header()), image_(imageOf(like.path())) {
-  const std::string folder = namesOf(header_).folder;
+  const std::string folder = KPF_FORMAT::dataNamesOf(header_).folder;
   std::error_code error;
   if (fs::create_directory(nativePath(folder), error)) made_.push_back(nativePath(folder));
   if (error) failed(folder, error);
@@ -71,7 +67,8 @@ void RecordWriter::add(std::span<const unsigned char> record) {
 
 void RecordWriter::nextFile() {
   closeFile();
-  fileName_ = KPF_FORMAT::divFileName(namesOf(header_), count_ / like_.framesPerDivFile + 1);
+  fileName_ = KPF_FORMAT::divFileName(KPF_FORMAT::dataNamesOf(header_),
+                                      count_ / like_.framesPerDivFile + 1);
   const fs::path path = nativePath(fileName_);
   // What has come there meanwhile is somebody else's: neither overwritten, nor removed at the end.
   if (const std::error_code error = makeNewFile(fileName_)) failed(fileName_, error);

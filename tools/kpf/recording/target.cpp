@@ -77,13 +77,17 @@ std::uint64_t bytesOf(const std::vector<std::string>& files) {
 
 }  // namespace
 
+std::string withFolder(const std::string& header) {
+  return nativePath(header).has_parent_path() ? header : "./" + header;
+}
+
 std::string headerPath(const std::string& output) {
   const fs::path path = nativePath(output);
   if (path.stem().empty() || path.extension().string().size() < 2) {
     throw ToolError(Outcome::kWrongUsage, fmt::format("{} has no extension", quoted(output)),
                     "Name the recording like clip.kpf.");
   }
-  return path.has_parent_path() ? output : "./" + output;
+  return withFolder(output);
 }
 
 std::vector<std::string> filesOf(const std::string& header) {
@@ -92,7 +96,7 @@ std::vector<std::string> filesOf(const std::string& header) {
        {header, KPF_FORMAT::statusFileName(header), checksumFileName(header)}) {
     if (fs::exists(statusOf(name))) files.push_back(name);
   }
-  const auto names = KPF_FORMAT::dataNames(KPF_FORMAT::withoutExtension(header).value_or(header));
+  const auto names = KPF_FORMAT::dataNamesOf(header);
   if (!fs::is_directory(statusOf(names.folder))) return files;
   std::error_code error;
   for (const auto& entry : fs::directory_iterator(nativePath(names.folder), error)) {
@@ -168,7 +172,7 @@ std::uint64_t recordsOnDisk(const std::string& header) {
 }
 
 std::string obstacleTo(const std::string& header, bool isThere, std::uint64_t bytes) {
-  const auto names = KPF_FORMAT::dataNames(KPF_FORMAT::withoutExtension(header).value_or(header));
+  const auto names = KPF_FORMAT::dataNamesOf(header);
   std::error_code unknown;
   if (!isThere || !fs::is_directory(nativePath(names.folder), unknown)) {
     return "its files were moved or removed meanwhile";

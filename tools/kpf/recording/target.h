@@ -11,8 +11,10 @@
 namespace KPF_TOOL {
 
 /// A name without a folder is taken as one in the current folder: the library would put the data
-/// files of `clip.kpf` beside it, under names with a backslash. @throws ToolError without
-/// extension.
+/// files of `clip.kpf` beside it, under names with a backslash.
+std::string withFolder(const std::string& header);
+
+/// The same of a recording that is to be made. @throws ToolError without extension.
 std::string headerPath(const std::string& output);
 
 /// Files of a recording of that name that are there: header, data files, status file,

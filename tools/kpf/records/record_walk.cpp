@@ -8,13 +8,6 @@
 #include "tools/kpf/terminal/text.h"
 
 namespace KPF_TOOL {
-namespace {
-
-std::string areText(std::uint64_t frames) {
-  return countText(frames, "frame") + (frames == 1 ? " is" : " are");
-}
-
-}  // namespace
 
 std::optional<Record> RecordWalk::at(std::uint32_t place) {
   try {
@@ -29,11 +22,12 @@ std::optional<Record> RecordWalk::at(std::uint32_t place) {
 std::string RecordWalk::flaw() const {
   std::vector<std::string> flaws;
   if (missing_ != 0) {
-    flaws.push_back(fmt::format("{} missing, the first is {}", areText(missing_), firstMissing_));
+    flaws.push_back(
+        fmt::format("{} missing, the first is {}", areText(missing_, "frame"), firstMissing_));
   }
   if (unreadable_ != 0) {
     flaws.push_back(
-        fmt::format("{} unreadable ({})", areText(unreadable_), escaped(unreadableText_)));
+        fmt::format("{} unreadable ({})", areText(unreadable_, "frame"), escaped(unreadableText_)));
   }
   if (const std::uint64_t bytes = bytesOfNoFrame(recording_)) {
     flaws.push_back(countText(bytes, "byte") + " in its data files are of no frame");
@@ -52,7 +46,7 @@ std::string RecordWalk::wrongEnd() const {
                              countText(places_, "frame"));
   }
   const std::uint64_t more = recordsBehindEnd(recording_);
-  return more == 0 ? "" : fmt::format("{} behind the announced end", areText(more));
+  return more == 0 ? "" : fmt::format("{} behind the announced end", areText(more, "frame"));
 }
 
 }  // namespace KPF_TOOL

@@ -127,4 +127,8 @@ std::string countText(std::uint64_t count, const std::string& thing) {
   return fmt::format("{} {}{}", count, thing, count == 1 ? "" : "s");
 }
 
+std::string areText(std::uint64_t count, const std::string& thing) {
+  return countText(count, thing) + (count == 1 ? " is" : " are");
+}
+
 }  // namespace KPF_TOOL

@@ -31,6 +31,9 @@ std::string lowerCase(std::string text);
 /// "1 file", "2 files".
 std::string countText(std::uint64_t count, const std::string& thing);
 
+/// "1 file is", "2 files are".
+std::string areText(std::uint64_t count, const std::string& thing);
+
 }  // namespace KPF_TOOL
 
 #endif
